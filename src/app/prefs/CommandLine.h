@@ -1,0 +1,35 @@
+#pragma once
+// The pieces shared by the corvalis-prefs commands.
+
+#include <filesystem>
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvalis::cli {
+
+// Exit statuses of every command.
+enum Exit : int { Success = 0, Failure = 1, Usage = 2, UnreadableInput = 3 };
+
+struct Context {
+    std::filesystem::path domainDir;  // where the domain files are
+    std::vector<std::string> args;    // the command's own arguments
+    std::ostream& out;
+    std::ostream& err;
+};
+
+struct Command {
+    const char* name;
+    const char* synopsis;     // arguments, as shown in the usage line
+    const char* description;  // what it does, a few lines
+    std::function<int(Context&)> run;
+};
+
+const std::vector<Command>& commands();
+
+// Prints the usage of one command ("corvalis-prefs NAME SYNOPSIS" and its description).
+void printCommandHelp(const Command& command, std::ostream& out);
+
+}  // namespace corvalis::cli
