@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/FileDomainStore.h"
+#include "plist/PlistIO.h"
+#include "support/TestSupport.h"
+
+using namespace corvalis;
+using namespace corvalis::plist;
+namespace fs = std::filesystem;
+
+TEST(FileDomainStore, WritesBinaryReadsBothAndReplacesWholeDomains) {
+    test::TempDir dir;
+    FileDomainStore store(dir / "nested/Preferences");  // created on first write
+    EXPECT_FALSE(store.persistentDomainForName("com.example.app"));
+
+    store.setPersistentDomain(Dictionary{{"A", Value::int32(1)}, {"B", "two"}}, "com.example.app");
+    // Pending changes are visible before they are written.
+    EXPECT_EQ(store.persistentDomainForName("com.example.app"), (Dictionary{{"A", Value::int32(1)}, {"B", "two"}}));
+    EXPECT_TRUE(store.synchronize("com.example.app"));
+    std::string bytes = test::readFile(store.pathForDomain("com.example.app"));
+    EXPECT_EQ(bytes.substr(0, 8), "bplist00");
+
+    // Removing and setting again leaves exactly the new domain (no keys merged).
+    store.removePersistentDomainForName("com.example.app");
+    store.setPersistentDomain(Dictionary{{"C", true}}, "com.example.app");
+    EXPECT_TRUE(store.synchronize("com.example.app"));
+    FileDomainStore reader(store.folder());
+    EXPECT_EQ(reader.persistentDomainForName("com.example.app"), (Dictionary{{"C", true}}));
+
+    // Other applications' domains in XML are read as well.
+    test::writeFile(store.pathForDomain("com.apple.dock"), toXml(Dictionary{{"autohide", true}}));
+    EXPECT_EQ(reader.persistentDomainForName("com.apple.dock"), (Dictionary{{"autohide", true}}));
+
+    store.removePersistentDomainForName("com.example.app");
+    EXPECT_TRUE(store.synchronize("com.example.app"));
+    EXPECT_FALSE(fs::exists(store.pathForDomain("com.example.app")));
+    // No temporary files are left behind.
+    EXPECT_EQ(std::distance(fs::directory_iterator(store.folder()), fs::directory_iterator()), 1);
+}
+
+TEST(FileDomainStore, UnreadableFilesAreMovedAsideNeverOverwritten) {
+    test::TempDir dir;
+    FileDomainStore store(dir.path());
+    test::writeFile(store.pathForDomain("bad.xml"), "not a property list");
+    test::writeFile(store.pathForDomain("array.root"), toXml(Array{"x"}));
+    EXPECT_FALSE(store.persistentDomainForName("bad.xml"));
+    EXPECT_FALSE(store.persistentDomainForName("array.root"));
+    std::vector<SetAsideDomain> aside = store.takeSetAsideDomains();
+    ASSERT_EQ(aside.size(), 2u);
+    EXPECT_NE(aside[1].reason.find("array"), std::string::npos) << aside[1].reason;
+    for (const SetAsideDomain& file : aside) {
+        EXPECT_TRUE(fs::exists(file.setAsidePath));
+        EXPECT_FALSE(fs::exists(file.originalPath));
+    }
+    EXPECT_EQ(test::readFile(aside[0].setAsidePath), "not a property list");
+
+    // A second unreadable file in the same second does not replace the first one kept aside.
+    test::writeFile(store.pathForDomain("bad.xml"), "still broken");
+    store.persistentDomainForName("bad.xml");
+    std::vector<SetAsideDomain> again = store.takeSetAsideDomains();
+    ASSERT_EQ(again.size(), 1u);
+    EXPECT_NE(again[0].setAsidePath, aside[0].setAsidePath);
+    EXPECT_EQ(test::readFile(aside[0].setAsidePath), "not a property list");
+}
+
+TEST(FileDomainStore, FailuresAreReportedAndNamesStayInsideTheFolder) {
+    test::TempDir dir;
+    test::writeFile(dir / "file", "x");
+    FileDomainStore blocked(dir / "file/Preferences");  // the folder cannot be created
+    blocked.setPersistentDomain(Dictionary{{"A", true}}, "d");
+    EXPECT_FALSE(blocked.synchronize("d"));
+    EXPECT_FALSE(blocked.lastWriteError().empty());
+
+    FileDomainStore store(dir / "prefs");
+    store.setPersistentDomain(Dictionary{{"A", true}}, "../escape");
+    EXPECT_TRUE(store.synchronize("../escape"));  // nothing pending: the name is refused
+    EXPECT_FALSE(fs::exists(dir / "escape.plist"));
+    EXPECT_FALSE(store.persistentDomainForName(".."));
+}
+
+TEST(FileDomainStore, DefaultFolderFollowsTheEnvironment) {
+    setenv("CORVALIS_PREFERENCES_DIR", "/tmp/corvalis-prefs-here", 1);
+    EXPECT_EQ(FileDomainStore::defaultFolder(), "/tmp/corvalis-prefs-here");
+    unsetenv("CORVALIS_PREFERENCES_DIR");
+    setenv("XDG_CONFIG_HOME", "/tmp/xdg", 1);
+    EXPECT_EQ(FileDomainStore::defaultFolder(), "/tmp/xdg/corvalis/Preferences");
+    unsetenv("XDG_CONFIG_HOME");
+    setenv("HOME", "/home/someone", 1);
+    EXPECT_EQ(FileDomainStore::defaultFolder(), "/home/someone/.config/corvalis/Preferences");
+}
