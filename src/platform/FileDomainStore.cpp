@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -92,6 +93,21 @@ std::string replaceFileAtomically(const fs::path& path, const std::vector<std::u
     return error;
 }
 
+// Saves killed between creating and renaming their temporary file leave it
+// behind; clear those that are clearly abandoned (another process may be
+// writing a fresh one right now).
+void removeAbandonedTemporaryFiles(const fs::path& path) {
+    std::string prefix = "." + path.filename().string() + ".";
+    auto cutoff = fs::file_time_type::clock::now() - std::chrono::minutes(10);
+    std::error_code ec;
+    for (fs::directory_iterator it(path.parent_path(), ec), end; !ec && it != end; it.increment(ec)) {
+        std::string name = it->path().filename().string();
+        if (name.size() != prefix.size() + 6 || name.compare(0, prefix.size(), prefix) != 0) continue;
+        std::error_code ignored;
+        if (it->last_write_time(ignored) < cutoff) fs::remove(it->path(), ignored);
+    }
+}
+
 }  // namespace
 
 FileDomainStore::FileDomainStore(fs::path folder) : folder_(std::move(folder)) {}
@@ -121,7 +137,7 @@ std::optional<plist::Dictionary> FileDomainStore::persistentDomainForName(const 
     if (!isUsableDomainName(name)) return std::nullopt;
     if (auto it = pending_.find(name); it != pending_.end()) {
         if (!it->second) return std::nullopt;
-        return plist::parse(std::span<const std::uint8_t>(*it->second)).value.dictionary();
+        return plist::asDictionary(plist::parse(std::span<const std::uint8_t>(*it->second)).value);
     }
     fs::path path = pathForDomain(name);
     FileReadResult file = readWholeFile(path);
@@ -135,7 +151,7 @@ std::optional<plist::Dictionary> FileDomainStore::persistentDomainForName(const 
         setAside(name, path, parsed.error);
         return std::nullopt;
     }
-    auto domain = parsed.value.dictionary();
+    auto domain = plist::asDictionary(parsed.value);
     if (!domain) setAside(name, path, std::string("the file holds a ") + plist::typeName(parsed.value.type()) + ", not a dictionary");
     return domain;
 }
@@ -168,6 +184,7 @@ bool FileDomainStore::synchronize(const std::string& name) {
             error = "cannot create " + folder_.string() + ": " + ec.message();
         else
             error = replaceFileAtomically(path, *it->second);
+        removeAbandonedTemporaryFiles(path);
     } else if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
         error = std::string("cannot remove: ") + std::strerror(errno);
     }

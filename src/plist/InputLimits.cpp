@@ -58,35 +58,63 @@ private:
         if (offset < kHeaderSize || offset >= objectLimit_) return fail("object offset out of range");
         std::uint8_t marker = bytes_[offset];
         unsigned kind = marker >> 4;
-        bool isDict = kind == 0xD;
-        if (kind != 0xA && kind != 0xB && kind != 0xC && !isDict) {
+        std::uint64_t length = marker & 0x0F;
+        std::uint64_t contentAt = offset + 1;
+        bool sized = kind == 0x4 || kind == 0x5 || kind == 0x6 || kind == 0xA || kind == 0xB || kind == 0xC || kind == 0xD;
+        if (sized && length == 0x0F) {
+            if (contentAt >= objectLimit_) return fail("truncated object size");
+            std::uint8_t intMarker = bytes_[contentAt];
+            unsigned width = 1u << (intMarker & 0x0F);
+            if ((intMarker >> 4) != 0x1 || width > 8 || contentAt + 1 + width > objectLimit_) return fail("bad object size");
+            length = readBigEndian(bytes_.data() + contentAt + 1, width);
+            contentAt += 1 + width;
+        }
+        if (length > objectLimit_) return fail("object larger than the file");
+        std::uint64_t contentBytes = 0;
+        switch (kind) {
+        case 0x0: contentBytes = 0; break;
+        case 0x1: case 0x2: contentBytes = std::uint64_t(1) << (marker & 0x0F); break;
+        case 0x3: contentBytes = 8; break;
+        case 0x4: case 0x5: contentBytes = length; break;
+        case 0x6: contentBytes = length * 2; break;
+        case 0x8: contentBytes = (marker & 0x0F) + 1u; break;
+        case 0xA: case 0xB: case 0xC: contentBytes = length * refSize_; break;
+        case 0xD: contentBytes = length * 2 * refSize_; break;
+        default: return fail("unknown object type in binary property list");
+        }
+        if ((kind == 0x1 || kind == 0x2) && (marker & 0x0F) > 4) return fail("bad number size");
+        if (contentBytes > objectLimit_ - contentAt) return fail("object extends past the object table");
+        // libplist's accessors assume C strings: text with a NUL in it must never reach them.
+        if (kind == 0x5 && std::memchr(bytes_.data() + contentAt, 0, length)) return fail("text with a NUL character");
+        if (kind == 0x6)
+            for (std::uint64_t i = 0; i < length; ++i)
+                if (bytes_[contentAt + 2 * i] == 0 && bytes_[contentAt + 2 * i + 1] == 0) return fail("text with a NUL character");
+        bool container = kind == 0xA || kind == 0xB || kind == 0xC || kind == 0xD;
+        if (!container) {
             depth_[index] = 1;
             return 1;
         }
-        std::uint64_t refsAt = offset + 1;
-        std::uint64_t items = marker & 0x0F;
-        if (items == 0x0F) {
-            if (refsAt >= objectLimit_) return fail("truncated container size");
-            std::uint8_t intMarker = bytes_[refsAt];
-            unsigned width = 1u << (intMarker & 0x0F);
-            if ((intMarker >> 4) != 0x1 || width > 8 || refsAt + 1 + width > objectLimit_) return fail("bad container size");
-            items = readBigEndian(bytes_.data() + refsAt + 1, width);
-            refsAt += 1 + width;
-        }
-        std::uint64_t refs = isDict ? items * 2 : items;
-        if (items > objectLimit_ || refs * refSize_ > objectLimit_ - refsAt) return fail("container references out of range");
-
+        std::uint64_t refsAt = contentAt;
+        std::uint64_t refs = kind == 0xD ? length * 2 : length;
         depth_[index] = kInProgress;
         int deepest = 0;
         for (std::uint64_t i = 0; i < refs; ++i) {
             std::uint64_t child = readBigEndian(bytes_.data() + refsAt + i * refSize_, refSize_);
             if (child >= count_) return fail("object reference out of range");
+            if (kind == 0xD && i < length && !isText(child)) return fail("dictionary key that is not text");
             int childDepth = depthOf(child, level + 1, maxDepth);
             if (childDepth < 0) return -1;
             if (childDepth > deepest) deepest = childDepth;
         }
         depth_[index] = deepest + 1;
         return depth_[index];
+    }
+
+    bool isText(std::uint64_t index) const {
+        std::uint64_t offset = readBigEndian(bytes_.data() + tableOffset_ + index * offsetSize_, offsetSize_);
+        if (offset < kHeaderSize || offset >= objectLimit_) return false;
+        unsigned kind = bytes_[offset] >> 4;
+        return kind == 0x5 || kind == 0x6;
     }
 
     int fail(std::string message) {

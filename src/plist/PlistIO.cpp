@@ -28,6 +28,42 @@ constexpr char kBinaryMagic[] = "bplist00";
 // libplist keeps dates as whole seconds plus microseconds in 32-bit fields.
 constexpr double kMaxDateSeconds = 2147483647.0;
 
+// Length of the valid UTF-8 sequence at `p`, or 0.
+std::size_t utf8SequenceLength(const unsigned char* p, std::size_t left) {
+    unsigned char c = p[0];
+    std::size_t n = c < 0x80 ? 1 : (c >> 5) == 0x6 ? 2 : (c >> 4) == 0xE ? 3 : (c >> 3) == 0x1E ? 4 : 0;
+    if (n == 0 || n > left) return 0;
+    for (std::size_t i = 1; i < n; ++i)
+        if ((p[i] & 0xC0) != 0x80) return 0;
+    std::uint32_t code = n == 1 ? c : c & (0x7F >> n);
+    for (std::size_t i = 1; i < n; ++i) code = (code << 6) | (p[i] & 0x3F);
+    static constexpr std::uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (code < kSmallest[n] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return 0;
+    return n;
+}
+
+// Binary "ASCII" strings may carry any byte; such bytes are taken as Latin-1
+// so that every string the program holds is valid UTF-8 and can be written back.
+std::string validUtf8(const char* text) {
+    std::string result;
+    auto* p = reinterpret_cast<const unsigned char*>(text);
+    std::size_t left = std::strlen(text);
+    result.reserve(left);
+    while (left > 0) {
+        if (std::size_t n = utf8SequenceLength(p, left)) {
+            result.append(reinterpret_cast<const char*>(p), n);
+            p += n;
+            left -= n;
+        } else {
+            result += static_cast<char>(0xC0 | (*p >> 6));
+            result += static_cast<char>(0x80 | (*p & 0x3F));
+            ++p;
+            --left;
+        }
+    }
+    return result;
+}
+
 Value fromNode(plist_t node) {
     switch (plist_get_node_type(node)) {
     case PLIST_BOOLEAN: {
@@ -55,7 +91,7 @@ Value fromNode(plist_t node) {
         char* s = nullptr;
         plist_get_string_val(node, &s);
         MallocText owned(s);
-        return Value(std::string(s ? s : ""));
+        return Value(validUtf8(s ? s : ""));
     }
     case PLIST_DATA: {
         char* bytes = nullptr;
@@ -87,7 +123,7 @@ Value fromNode(plist_t node) {
             plist_t item = nullptr;
             plist_dict_next_item(node, it, &key, &item);
             MallocText ownedKey(key);
-            if (key && item) dict.set(key, fromNode(item));
+            if (key && item) dict.set(validUtf8(key), fromNode(item));
         }
         std::free(it);
         return dict;

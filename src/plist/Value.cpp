@@ -29,24 +29,24 @@ const Value& Array::operator[](std::size_t index) const {
     return index < items_->size() ? (*items_)[index] : kAbsent;
 }
 
-void Array::append(Value value) { items_->push_back(std::move(value)); }
+void Array::append(Value value) const { items_->push_back(std::move(value)); }
 
-void Array::insert(std::size_t index, Value value) {
+void Array::insert(std::size_t index, Value value) const {
     index = std::min(index, items_->size());
     items_->insert(items_->begin() + static_cast<std::ptrdiff_t>(index), std::move(value));
 }
 
-void Array::set(std::size_t index, Value value) {
+void Array::set(std::size_t index, Value value) const {
     if (index < items_->size()) (*items_)[index] = std::move(value);
 }
 
-void Array::removeAt(std::size_t index) {
+void Array::removeAt(std::size_t index) const {
     if (index < items_->size()) items_->erase(items_->begin() + static_cast<std::ptrdiff_t>(index));
 }
 
-void Array::clear() { items_->clear(); }
+void Array::clear() const { items_->clear(); }
 
-void Array::replaceContents(const Array& other) {
+void Array::replaceContents(const Array& other) const {
     if (!isSameObject(other)) *items_ = *other.items_;
 }
 
@@ -119,7 +119,7 @@ const Value& Dictionary::operator[](std::string_view key) const {
     return value ? *value : kAbsent;
 }
 
-void Dictionary::set(std::string key, Value value) {
+void Dictionary::set(std::string key, Value value) const {
     auto pos = storage_->position(key);
     if (pos >= 0)
         storage_->entries[static_cast<std::size_t>(pos)].second = std::move(value);
@@ -127,7 +127,7 @@ void Dictionary::set(std::string key, Value value) {
         storage_->append(std::move(key), std::move(value));
 }
 
-bool Dictionary::remove(std::string_view key) {
+bool Dictionary::remove(std::string_view key) const {
     auto pos = storage_->position(key);
     if (pos < 0) return false;
     storage_->entries.erase(storage_->entries.begin() + pos);
@@ -135,12 +135,12 @@ bool Dictionary::remove(std::string_view key) {
     return true;
 }
 
-void Dictionary::clear() {
+void Dictionary::clear() const {
     storage_->entries.clear();
     storage_->index.clear();
 }
 
-void Dictionary::replaceContents(const Dictionary& other) {
+void Dictionary::replaceContents(const Dictionary& other) const {
     if (isSameObject(other)) return;
     storage_->entries = other.storage_->entries;
     storage_->rebuildIndex();
@@ -188,16 +188,6 @@ std::optional<bool> Value::toBool() const {
 
 std::optional<Date> Value::date() const {
     if (const Date* d = std::get_if<Date>(&v_)) return *d;
-    return std::nullopt;
-}
-
-std::optional<Array> Value::array() const {
-    if (const Array* a = std::get_if<Array>(&v_)) return *a;
-    return std::nullopt;
-}
-
-std::optional<Dictionary> Value::dictionary() const {
-    if (const Dictionary* d = std::get_if<Dictionary>(&v_)) return *d;
     return std::nullopt;
 }
 

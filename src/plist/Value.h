@@ -51,7 +51,8 @@ struct Date {
     auto operator<=>(const Date&) const = default;
 };
 
-// An ordered list of values; copies share the contents.
+// An ordered list of values; copies share the contents. Like a pointer to a
+// mutable array, a const handle still changes the shared contents.
 class Array {
 public:
     Array();
@@ -62,13 +63,13 @@ public:
     // Out-of-range indexes answer an absent value.
     const Value& operator[](std::size_t index) const;
 
-    void append(Value value);
-    void insert(std::size_t index, Value value);  // index clamped to size()
-    void set(std::size_t index, Value value);     // ignored when out of range
-    void removeAt(std::size_t index);             // ignored when out of range
-    void clear();
+    void append(Value value) const;
+    void insert(std::size_t index, Value value) const;  // index clamped to size()
+    void set(std::size_t index, Value value) const;     // ignored when out of range
+    void removeAt(std::size_t index) const;             // ignored when out of range
+    void clear() const;
     // Replaces the contents with those of `other` (still one shared object).
-    void replaceContents(const Array& other);
+    void replaceContents(const Array& other) const;
 
     std::vector<Value>::const_iterator begin() const;
     std::vector<Value>::const_iterator end() const;
@@ -96,10 +97,10 @@ public:
     const Value& operator[](std::string_view key) const;
     const Value* find(std::string_view key) const;
 
-    void set(std::string key, Value value);  // keeps the position of an existing key
-    bool remove(std::string_view key);
-    void clear();
-    void replaceContents(const Dictionary& other);
+    void set(std::string key, Value value) const;  // keeps the position of an existing key
+    bool remove(std::string_view key) const;
+    void clear() const;
+    void replaceContents(const Dictionary& other) const;
     std::vector<std::string> keys() const;
 
     std::vector<Entry>::const_iterator begin() const;
@@ -156,8 +157,9 @@ public:
     const std::string* string() const { return std::get_if<std::string>(&v_); }
     const Data* data() const { return std::get_if<Data>(&v_); }
     std::optional<Date> date() const;
-    std::optional<Array> array() const;
-    std::optional<Dictionary> dictionary() const;
+    // The container inside this value (a handle to copy, or to change in place).
+    const Array* array() const { return std::get_if<Array>(&v_); }
+    const Dictionary* dictionary() const { return std::get_if<Dictionary>(&v_); }
 
     // NSNumber's conversions (boolValue, intValue, floatValue, doubleValue):
     // any number converts, anything else is absent.
@@ -177,6 +179,16 @@ public:
 private:
     std::variant<std::monostate, bool, Integer, Real, std::string, Data, Date, Array, Dictionary> v_;
 };
+
+// The container of a value as a handle of its own, or none; for values about to go away.
+inline std::optional<Array> asArray(const Value& value) {
+    if (const Array* array = value.array()) return *array;
+    return std::nullopt;
+}
+inline std::optional<Dictionary> asDictionary(const Value& value) {
+    if (const Dictionary* dict = value.dictionary()) return *dict;
+    return std::nullopt;
+}
 
 // A short human-readable name of a type ("boolean", "integer", ...), for messages.
 const char* typeName(Type type);

@@ -122,11 +122,11 @@ Value CorvalisPreferences::valueOrDefault(const std::string& key, bool (*accepta
 Value CorvalisPreferences::objectForKey(const std::string& key) { return valueOrDefault(key, anyValue); }
 
 std::optional<Dictionary> CorvalisPreferences::dictForKey(const std::string& key) {
-    return valueOrDefault(key, isDictionary).dictionary();
+    return plist::asDictionary(valueOrDefault(key, isDictionary));
 }
 
 std::optional<Array> CorvalisPreferences::arrayForKey(const std::string& key) {
-    return valueOrDefault(key, isArray).array();
+    return plist::asArray(valueOrDefault(key, isArray));
 }
 
 std::optional<std::string> CorvalisPreferences::stringForKey(const std::string& key) {
@@ -161,8 +161,9 @@ float CorvalisPreferences::floatForKey(const std::string& key) {
     return result;
 }
 
-Value CorvalisPreferences::simpleStringForKey(const std::string& key) const {
-    return _prefsData ? (*_prefsData)[key] : Value();
+const Value& CorvalisPreferences::simpleStringForKey(const std::string& key) const {
+    static const Value absent;
+    return _prefsData ? (*_prefsData)[key] : absent;
 }
 
 // ---- Setters -----------------------------------------------------------------

@@ -50,7 +50,7 @@ public:
     std::int32_t intForKey(const std::string& key);
     float floatForKey(const std::string& key);
     // Plain lookup: no default, nothing stored.
-    plist::Value simpleStringForKey(const std::string& key) const;
+    const plist::Value& simpleStringForKey(const std::string& key) const;
 
     // Setters change the working copy only (no save, no notification).
     void setObject(const plist::Value& value, const std::string& key);

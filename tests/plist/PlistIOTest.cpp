@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include "plist/PlistIO.h"
+
+using namespace corvalis::plist;
+
+namespace {
+
+Dictionary sample() {
+    return Dictionary{
+        {"Bool", true},
+        {"Negative", Value::int32(-5)},
+        {"Large", Value::uint32(4000000000u)},
+        {"Short", Value::int16(3)},
+        {"Float", Value::real32(0.5f)},
+        {"Double", Value::real64(0.1)},
+        {"Text", "Grüße \"&<>\" 日本"},
+        {"Empty", ""},
+        {"Bytes", Data{0, 1, 2, 255}},
+        {"When", Date{123456789.0}},
+        {"List", Array{Value::int8(1), Array{}, Dictionary{}, "x"}},
+        {"Nested", Dictionary{{"Inner", Dictionary{{"Deep", Array{Value(false)}}}}}},
+    };
+}
+
+ParseResult roundTrip(const Value& value, Format format) {
+    WriteResult written = serialize(value, format);
+    EXPECT_TRUE(written.ok()) << written.error;
+    return parse(std::span<const std::uint8_t>(written.bytes));
+}
+
+// A binary property list whose objects 0..n-1 are arrays, each holding the next one.
+std::vector<std::uint8_t> chainOfArrays(std::uint32_t n, bool lastPointsToFirst) {
+    std::vector<std::uint8_t> bytes{'b', 'p', 'l', 'i', 's', 't', '0', '0'};
+    std::vector<std::uint32_t> offsets;
+    for (std::uint32_t i = 0; i < n; ++i) {
+        offsets.push_back(static_cast<std::uint32_t>(bytes.size()));
+        bool last = i + 1 == n;
+        if (last && !lastPointsToFirst) {
+            bytes.push_back(0xA0);
+            continue;
+        }
+        std::uint32_t next = last ? 0 : i + 1;
+        bytes.insert(bytes.end(), {0xA1, std::uint8_t(next >> 24), std::uint8_t(next >> 16), std::uint8_t(next >> 8),
+                                   std::uint8_t(next)});
+    }
+    std::uint64_t table = bytes.size();
+    for (std::uint32_t offset : offsets)
+        bytes.insert(bytes.end(), {std::uint8_t(offset >> 24), std::uint8_t(offset >> 16), std::uint8_t(offset >> 8),
+                                   std::uint8_t(offset)});
+    std::uint8_t trailer[32] = {};
+    trailer[6] = 4;
+    trailer[7] = 4;
+    for (int i = 0; i < 8; ++i) {
+        trailer[8 + i] = std::uint8_t(std::uint64_t(n) >> (56 - 8 * i));
+        trailer[24 + i] = std::uint8_t(table >> (56 - 8 * i));
+    }
+    bytes.insert(bytes.end(), trailer, trailer + 32);
+    return bytes;
+}
+
+}  // namespace
+
+TEST(PlistIO, BothFormatsRoundTripEveryType) {
+    for (Format format : {Format::Xml, Format::Binary}) {
+        ParseResult back = roundTrip(sample(), format);
+        ASSERT_TRUE(back.ok()) << back.error;
+        EXPECT_EQ(back.format, format);
+        EXPECT_EQ(back.value, Value(sample()));
+        // Integers come back as 64-bit signed values whatever width they were made with.
+        EXPECT_EQ(back.value.dictionary()->operator[]("Negative").integer()->toInt64(), -5);
+        EXPECT_EQ(back.value.dictionary()->operator[]("Large").integer()->toInt64(), 4000000000);
+    }
+}
+
+TEST(PlistIO, DateFractionsSurviveBinaryOnlyAndNegativeDatesStayNegative) {
+    Dictionary dates{{"Before2001", Date{-99.5}}, {"After", Date{10.25}}};
+    ParseResult binary = roundTrip(dates, Format::Binary);
+    EXPECT_EQ(binary.value.dictionary()->operator[]("Before2001").date()->seconds, -99.5);
+    EXPECT_EQ(binary.value.dictionary()->operator[]("After").date()->seconds, 10.25);
+    ParseResult xml = roundTrip(dates, Format::Xml);
+    EXPECT_EQ(xml.value.dictionary()->operator[]("After").date()->seconds, 10.0);
+    EXPECT_FALSE(serialize(Dictionary{{"Far", Date{1e12}}}, Format::Binary).ok());
+}
+
+TEST(PlistIO, ValuesNoFileCanHoldAreRefusedOrSkipped) {
+    EXPECT_FALSE(serialize(Value::uint64(UINT64_MAX), Format::Xml).ok());
+    EXPECT_FALSE(serialize(Value(), Format::Xml).ok());
+    Array deep;
+    Array current = deep;
+    for (int i = 0; i < kMaxNestingDepth + 5; ++i) {
+        Array next;
+        current.append(next);
+        current = next;
+    }
+    EXPECT_FALSE(serialize(deep, Format::Binary).ok());
+}
+
+TEST(PlistIO, BadInputGivesAnErrorNeverACrash) {
+    EXPECT_FALSE(parse(std::string_view("")).ok());
+    EXPECT_FALSE(parse(std::string_view("hello, world")).ok());
+    EXPECT_FALSE(parse(std::string_view("<plist><dict><key>a</key>")).ok());
+    EXPECT_FALSE(parse(std::string_view("bplist00")).ok());
+
+    WriteResult good = serialize(sample(), Format::Binary);
+    for (std::size_t cut : {good.bytes.size() - 1, good.bytes.size() / 2, std::size_t(12)}) {
+        std::vector<std::uint8_t> truncated(good.bytes.begin(), good.bytes.begin() + static_cast<long>(cut));
+        EXPECT_FALSE(parse(std::span<const std::uint8_t>(truncated)).ok()) << cut;
+    }
+    // Every single-byte corruption of the trailer and offset table is either refused or parsed safely.
+    for (std::size_t at = good.bytes.size() - 40; at < good.bytes.size(); ++at) {
+        std::vector<std::uint8_t> corrupt = good.bytes;
+        corrupt[at] ^= 0xFF;
+        parse(std::span<const std::uint8_t>(corrupt));
+    }
+}
+
+TEST(PlistIO, HostileNestingAndCyclesAreRefusedBeforeParsing) {
+    std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
+    for (int i = 0; i < 100000; ++i) xml += "<array>";
+    ParseResult deepXml = parse(std::string_view(xml));
+    EXPECT_NE(deepXml.error.find("nesting"), std::string::npos) << deepXml.error;
+
+    auto deepBinary = chainOfArrays(100000, false);
+    EXPECT_NE(parse(std::span<const std::uint8_t>(deepBinary)).error.find("nesting"), std::string::npos);
+    auto cycle = chainOfArrays(3, true);
+    EXPECT_NE(parse(std::span<const std::uint8_t>(cycle)).error.find("circular"), std::string::npos);
+
+    auto shallow = chainOfArrays(kMaxNestingDepth, false);
+    ParseResult ok = parse(std::span<const std::uint8_t>(shallow));
+    EXPECT_TRUE(ok.ok()) << ok.error;
+    EXPECT_TRUE(parse(std::string_view("<plist><array><array/><dict/></array></plist>")).ok());
+}
+
+TEST(PlistIO, GiganticSizesAreRefused) {
+    // A data object claiming 2^60 bytes.
+    std::vector<std::uint8_t> bytes{'b', 'p', 'l', 'i', 's', 't', '0', '0', 0x4F, 0x13, 0x10, 0, 0, 0, 0, 0, 0, 0, 8};
+    std::uint8_t trailer[32] = {};
+    trailer[6] = 1;
+    trailer[7] = 1;
+    trailer[15] = 1;
+    trailer[31] = 19;
+    bytes.insert(bytes.end(), trailer, trailer + 32);
+    EXPECT_FALSE(parse(std::span<const std::uint8_t>(bytes)).ok());
+}

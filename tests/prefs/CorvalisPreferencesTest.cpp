@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/FileDomainStore.h"
+#include "platform/InProcessNotificationCenter.h"
+#include "plist/PlistIO.h"
+#include "prefs/CorvalisPreferences.h"
+#include "prefs/DefaultValues.h"
+#include "prefs/NotificationNames.h"
+#include "prefs/PreferenceKeys.h"
+#include "support/TestSupport.h"
+
+using namespace corvalis;
+using namespace corvalis::plist;
+namespace fs = std::filesystem;
+
+namespace {
+
+class StoreTest : public ::testing::Test {
+protected:
+    test::TempDir dir;
+    FileDomainStore domains{dir.path()};
+    InProcessNotificationCenter bus;
+    CorvalisPreferences prefs{domains, bus};
+
+    fs::path domainFile() const { return dir / "com.kestrova.Corvalis.plist"; }
+
+    Dictionary onDisk() const {
+        std::string bytes = test::readFile(domainFile());
+        return asDictionary(parse(std::string_view(bytes)).value).value_or(Dictionary());
+    }
+
+    void store(const Dictionary& domain) {
+        WriteResult written = serialize(domain, Format::Xml);
+        test::writeFile(domainFile(), std::string(written.bytes.begin(), written.bytes.end()));
+    }
+};
+
+}  // namespace
+
+TEST_F(StoreTest, FreshDomainLoadsFactoryDefaultsAndWritesThemBack) {
+    EXPECT_TRUE(prefs.loadPreferences());
+    Dictionary saved = onDisk();
+    EXPECT_EQ(saved, prefs.prefsData());
+    EXPECT_EQ(saved.size(), defaultValues().size() - 1);  // StatusItemPosition is obsolete on this system
+    EXPECT_FALSE(saved.contains(keys::StatusItemPosition));
+    EXPECT_EQ(saved[keys::Groups].array()->size(), 1u);
+    EXPECT_EQ(*saved[keys::Groups].array()->operator[](0).dictionary()->operator[](keys::Name).string(),
+              "ExcludedApplications");
+    // The working copy never shares containers with the process-wide defaults.
+    prefs.arrayForKey(keys::Groups)->clear();
+    EXPECT_EQ(defaultValues()[keys::Groups].array()->size(), 1u);
+
+    // A second load is refused and changes nothing.
+    prefs.setBool(true, keys::TurnOnCorvalis);
+    EXPECT_FALSE(prefs.loadPreferences());
+    EXPECT_TRUE(prefs.boolForKey(keys::TurnOnCorvalis));
+}
+
+TEST_F(StoreTest, LoadKeepsStoredValuesAndDropsObsoleteKeys) {
+    store(Dictionary{{keys::ShowIcons, false},
+                     {"IsTrustedChecked", true},
+                     {"ShowStartStopRestartClassic", true},
+                     {"ClassicApplicationsFolderDepth", Value::int32(3)},
+                     {"SomethingNewer", "kept"}});
+    prefs.loadPreferences();
+    Dictionary saved = onDisk();
+    EXPECT_EQ(saved[keys::ShowIcons].toBool(), false);
+    EXPECT_EQ(*saved["SomethingNewer"].string(), "kept");
+    for (const char* obsolete : {"IsTrustedChecked", "ShowStartStopRestartClassic", "ClassicApplicationsFolderDepth"})
+        EXPECT_FALSE(saved.contains(obsolete)) << obsolete;
+    // An existing domain is not filled with defaults until they are read.
+    EXPECT_FALSE(saved.contains(keys::ShowHome));
+    EXPECT_TRUE(prefs.boolForKey(keys::ShowHome));
+    EXPECT_TRUE(prefs.prefsData().contains(keys::ShowHome));
+}
+
+TEST_F(StoreTest, ScalarGettersFallBackStoreTheirOwnTypeAndTreatWrongTypesAsMissing) {
+    store(Dictionary{{keys::RecentApplicationsMaxNum, "ten"}, {keys::PanelCoordinate, Value::int32(1)}});
+    prefs.loadPreferences();
+    EXPECT_EQ(prefs.intForKey(keys::RecentApplicationsMaxNum), 10);
+    EXPECT_EQ(prefs.prefsData()[keys::RecentApplicationsMaxNum].integer()->width, IntWidth::Int32);
+    EXPECT_EQ(prefs.floatForKey(keys::PanelCoordinate), 1.0f);  // a stored number converts, whatever its type
+
+    // Keys without a default read as false, 0 and 0.0 and keep that value.
+    EXPECT_FALSE(prefs.boolForKey("RoundPanel"));
+    EXPECT_EQ(prefs.prefsData()["RoundPanel"].toBool(), false);
+    EXPECT_EQ(prefs.intForKey("StatusItemMenuOffset"), 0);
+    EXPECT_EQ(prefs.floatForKey("FrameOpacity"), 0.0f);
+    EXPECT_TRUE(prefs.prefsData()["FrameOpacity"].real()->is32Bit);
+    // Object getters of such keys answer nothing and store nothing.
+    EXPECT_TRUE(prefs.objectForKey("OpenMenuItems").isAbsent());
+    EXPECT_FALSE(prefs.prefsData().contains("OpenMenuItems"));
+    EXPECT_TRUE(prefs.simpleStringForKey(keys::ShowDisks).isAbsent());
+    EXPECT_FALSE(prefs.stringForKey(keys::HotKeys));  // wrong kind of getter for an array
+}
+
+TEST_F(StoreTest, ChangeNotificationsPostThenSave) {
+    prefs.loadPreferences();
+    prefs.setBool(false, keys::ShowIcons);
+    prefs.synchronizeValue(false, keys::ShowIcons);
+    ASSERT_EQ(bus.posted().size(), 1u);
+    const Notification& sent = bus.posted()[0];
+    EXPECT_EQ(sent.name, "CorvalisPaneChangedPrefs");
+    EXPECT_EQ(sent.object, "com.kestrova.Corvalis");
+    EXPECT_EQ(sent.userInfo, (Dictionary{{keys::ShowIcons, false}}));
+    EXPECT_EQ(onDisk()[keys::ShowIcons].toBool(), false);
+
+    bus.clearPosted();
+    prefs.synchronizeHotKey(Value::int32(1), 2);
+    prefs.synchronizeShortcut(Dictionary{}, "ChangeKeyboardShortcut");
+    prefs.synchronizeIncludeTerminatedApps(true, 2);
+    ASSERT_EQ(bus.posted().size(), 3u);
+    EXPECT_TRUE(bus.posted()[0].userInfo->contains("ChangeSwitchMenuHotKey"));
+    EXPECT_EQ(bus.posted()[1].name, "CorvalisPaneChangedShortcuts");
+    Dictionary include = *bus.posted()[2].userInfo;
+    EXPECT_EQ(include[keys::IncludeTerminatedApplications].toBool(), true);
+    EXPECT_EQ(include[keys::IncludeTerminatedApplicationsWhere].integer()->width, IntWidth::Int32);
+
+    // An index beyond the four menus neither posts nor saves.
+    bus.clearPosted();
+    fs::remove(domainFile());
+    prefs.synchronizeHotKey(Value::int32(1), 4);
+    prefs.synchronizeHotKey(Value::int32(1), -1);
+    EXPECT_TRUE(bus.posted().empty());
+    EXPECT_FALSE(fs::exists(domainFile()));
+}
+
+TEST_F(StoreTest, ButtonColorsMustBeAPermutationOfTheFourNames) {
+    prefs.loadPreferences();
+    auto colorsFor = [&](const Value& stored) {
+        prefs.setObject(stored, "ButtonColors");
+        return prefs.buttonColors();
+    };
+    EXPECT_EQ(colorsFor("Red;Green;Blue;Yellow"), (std::vector<std::string>{"Red", "Green", "Blue", "Yellow"}));
+    EXPECT_FALSE(colorsFor("Red;Green;Blue"));
+    EXPECT_FALSE(colorsFor("Red;Green;Blue;Blue"));
+    EXPECT_FALSE(colorsFor("Red;Green;Blue;Yellow;"));
+    EXPECT_FALSE(colorsFor("red;Green;Blue;Yellow"));
+    EXPECT_FALSE(colorsFor(Value::int32(4)));
+    EXPECT_FALSE(colorsFor(Value()));
+}
+
+TEST_F(StoreTest, BackgroundOnlyCommandShowsOnlyForATrueNumber) {
+    prefs.loadPreferences();
+    EXPECT_TRUE(prefs.hideAddBOAsCommand());
+    prefs.setObject("yes", "ShowAddBackgroundOnlyApplicationsCommand");
+    EXPECT_TRUE(prefs.hideAddBOAsCommand());
+    prefs.setObject(Value::int32(0), "ShowAddBackgroundOnlyApplicationsCommand");
+    EXPECT_TRUE(prefs.hideAddBOAsCommand());
+    prefs.setBool(true, "ShowAddBackgroundOnlyApplicationsCommand");
+    EXPECT_FALSE(prefs.hideAddBOAsCommand());
+}
+
+TEST_F(StoreTest, OpenPanelPathsRememberTheFolderOfWhatWasChosen) {
+    prefs.loadPreferences();
+    fs::create_directories(dir / "Apps/Mail.app");
+    prefs.setOpenPanelPath((dir / "Apps/Mail.app").string(), keys::AddApplicationPath);
+    EXPECT_EQ(prefs.getOpenPanelPathForKey(keys::AddApplicationPath), (dir / "Apps").string());
+
+    prefs.setOpenPanelPath((dir / "missing/thing").string(), keys::AddApplicationPath);
+    EXPECT_EQ(*prefs.stringForKey(keys::AddApplicationPath), (dir / "Apps").string());
+
+    // A chosen volume (a mount point) is kept itself.
+    prefs.setOpenPanelPath("/proc", keys::AddFileFolderPath);
+    EXPECT_EQ(*prefs.stringForKey(keys::AddFileFolderPath), "/proc");
+
+    // A remembered folder that is gone gives the factory default, which is not stored.
+    prefs.setString((dir / "gone").string(), keys::AddApplicationPath);
+    EXPECT_EQ(prefs.getOpenPanelPathForKey(keys::AddApplicationPath), "/Applications");
+    EXPECT_EQ(*prefs.stringForKey(keys::AddApplicationPath), (dir / "gone").string());
+}
+
+TEST_F(StoreTest, UnreadableDomainIsKeptAsideAndReported) {
+    test::writeFile(domainFile(), "<plist><dict><key>TurnOnCorvalis</key><tru");
+    prefs.loadPreferences();
+    std::vector<SetAsideDomain> aside = prefs.takeSetAsideDomains();
+    ASSERT_EQ(aside.size(), 1u);
+    EXPECT_EQ(test::readFile(aside[0].setAsidePath), "<plist><dict><key>TurnOnCorvalis</key><tru");
+    EXPECT_FALSE(aside[0].reason.empty());
+    EXPECT_EQ(onDisk(), prefs.prefsData());  // factory settings written in its place
+    EXPECT_TRUE(prefs.takeSetAsideDomains().empty());
+}
