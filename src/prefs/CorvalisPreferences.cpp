@@ -42,8 +42,9 @@ CorvalisPreferences::CorvalisPreferences(DomainStore& store, NotificationCenter&
 bool CorvalisPreferences::loadPreferences() {
     if (_prefsData) return false;
     _appID = notifications::Domain;
-    // A deep copy: the defaults are shared by the whole process and must never change.
-    _prefsData = loadFromDefaults().deepCopy();
+    Dictionary loaded = loadFromDefaults();
+    // The factory defaults are shared by the whole process and must never change: edit a copy.
+    _prefsData = loaded.isSameObject(defaultValues()) ? loaded.deepCopy() : loaded;
     // The record loaders come before the clean-up; none reports a first use yet.
     bool firstUse = true;
     _cleanUpPreferences();
