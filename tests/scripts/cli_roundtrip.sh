@@ -58,7 +58,7 @@ check "refused values change nothing" test "$(md5sum < "$domain")" = "$before"
 mkdir -p "$work/corrupt"
 printf 'this is not a property list' > "$work/corrupt/com.kestrova.Corvalis.plist"
 "$tool" --domain-dir "$work/corrupt" show > /dev/null 2> "$work/corrupt.err"
-check "an unreadable domain is reported" grep -q 'kept as' "$work/corrupt.err"
+check "an unreadable domain is reported" grep -q 'was kept as' "$work/corrupt.err"
 check "and kept aside unchanged" grep -qx 'this is not a property list' "$work"/corrupt/com.kestrova.Corvalis.plist.unreadable-*
 
 mkdir -p "$work/xml"

@@ -14,6 +14,7 @@
 #include "plist/PlistIO.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
+#include "prefs/Localization.h"
 
 namespace corvalis::cli {
 
@@ -35,16 +36,19 @@ struct Session {
     bool load(Context& context) {
         prefs.loadPreferences();
         for (const SetAsideDomain& file : prefs.takeSetAsideDomains()) {
-            context.err << "corvalis-prefs: " << file.originalPath << " could not be read (" << file.reason << ")";
-            if (!file.setAsidePath.empty()) context.err << "; it was kept as " << file.setAsidePath;
-            context.err << ". Factory settings are used instead.\n";
+            context.err << "corvalis-prefs: "
+                        << (file.setAsidePath.empty()
+                                ? LocalizedFormat("UnreadableSettingsNotMoved", {file.originalPath, file.reason})
+                                : LocalizedFormat("UnreadableSettingsKeptAside",
+                                                  {file.originalPath, file.reason, file.setAsidePath}))
+                        << "\n";
         }
         return reportWriteError(context);
     }
 
     bool reportWriteError(Context& context) {
         if (domains.lastWriteError().empty()) return true;
-        context.err << "corvalis-prefs: the settings could not be saved: " << domains.lastWriteError() << "\n";
+        context.err << "corvalis-prefs: " << LocalizedFormat("SettingsNotSaved", {domains.lastWriteError()}) << "\n";
         return false;
     }
 };

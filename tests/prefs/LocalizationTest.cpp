@@ -1,0 +1,43 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+#include "prefs/Localization.h"
+
+using namespace corvalis;
+
+TEST(Localization, FormatsTakeArgumentsInOrderOrByPosition) {
+    EXPECT_EQ(FormatText("Corvalis - %@", {std::string("22/11/2026")}), "Corvalis - 22/11/2026");
+    EXPECT_EQ(FormatText("%@ %ld", {std::string("Group"), 3LL}), "Group 3");
+    EXPECT_EQ(FormatText("%2$@ before %1$@", {std::string("a"), std::string("b")}), "b before a");
+    EXPECT_EQ(FormatText("100%% of %d", {7LL}), "100% of 7");
+    EXPECT_EQ(FormatText("[%@] and %@", {std::string("3")}), "[3] and ");  // a missing argument leaves nothing
+    EXPECT_EQ(FormatText("odd %q end %", {}), "odd %q end %");
+}
+
+TEST(Localization, UnknownKeysShowThemselves) {
+    EXPECT_EQ(LocalizedString("OK"), "OK");
+    EXPECT_EQ(LocalizedString("NoSuchKeyAnywhere"), "NoSuchKeyAnywhere");
+    EXPECT_FALSE(EnglishTableHasKey("NoSuchKeyAnywhere"));
+}
+
+// Every key the code looks up must be in the English table.
+TEST(Localization, EnglishTableHasEveryKeyTheCodeUses) {
+    std::regex lookup(R"re(Localized(?:String|Format)\(\s*"([^"]+)")re");
+    int checked = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(CORVALIS_SOURCE_DIR "/src")) {
+        if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
+        std::ifstream in(entry.path());
+        std::stringstream text;
+        text << in.rdbuf();
+        std::string source = text.str();
+        for (std::sregex_iterator it(source.begin(), source.end(), lookup), end; it != end; ++it) {
+            EXPECT_TRUE(EnglishTableHasKey((*it)[1].str())) << (*it)[1].str() << " used in " << entry.path();
+            ++checked;
+        }
+    }
+    EXPECT_GT(checked, 0);
+}
