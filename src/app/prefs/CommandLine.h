@@ -27,7 +27,14 @@ struct Command {
     std::function<int(Context&)> run;
 };
 
+// Every command, in the order the usage lists them.
 const std::vector<Command>& commands();
+
+// The commands of each area (one file each).
+std::vector<Command> storeCommands();
+
+// True, with a message, when the command did not get `expected` arguments.
+bool wrongArgumentCount(Context& context, std::size_t expected, const char* command);
 
 // Prints the usage of one command ("corvalis-prefs NAME SYNOPSIS" and its description).
 void printCommandHelp(const Command& command, std::ostream& out);

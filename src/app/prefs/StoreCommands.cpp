@@ -7,58 +7,16 @@
 #include <limits>
 
 #include "app/prefs/CommandLine.h"
-#include "platform/FileDomainStore.h"
-#include "platform/MainScreen.h"
+#include "app/prefs/Session.h"
 #include "platform/linux/DBusNotificationCenter.h"
-#include "platform/linux/X11Screen.h"
 #include "plist/PlistIO.h"
-#include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/Localization.h"
 
 namespace corvalis::cli {
 
 using plist::Value;
 
 namespace {
-
-// The store, the bus and the preferences, set up as the settings window sets them up.
-struct Session {
-    FileDomainStore domains;
-    DBusNotificationCenter bus;
-    CorvalisPreferences prefs;
-
-    explicit Session(const Context& context) : domains(context.domainDir), prefs(domains, bus) {
-        setMainScreenWidthSource(x11PrimaryScreenWidth);
-    }
-
-    // Loads (normalises and writes back); false with a message when the domain could not be written.
-    bool load(Context& context) {
-        prefs.loadPreferences();
-        for (const SetAsideDomain& file : prefs.takeSetAsideDomains()) {
-            context.err << "corvalis-prefs: "
-                        << (file.setAsidePath.empty()
-                                ? LocalizedFormat("UnreadableSettingsNotMoved", {file.originalPath, file.reason})
-                                : LocalizedFormat("UnreadableSettingsKeptAside",
-                                                  {file.originalPath, file.reason, file.setAsidePath}))
-                        << "\n";
-        }
-        return reportWriteError(context);
-    }
-
-    bool reportWriteError(Context& context) {
-        if (domains.lastWriteError().empty()) return true;
-        context.err << "corvalis-prefs: " << LocalizedFormat("SettingsNotSaved", {domains.lastWriteError()}) << "\n";
-        return false;
-    }
-};
-
-bool wrongArgumentCount(Context& context, std::size_t expected, const char* command) {
-    if (context.args.size() == expected) return false;
-    context.err << "corvalis-prefs " << command << ": expected " << expected << " argument"
-                << (expected == 1 ? "" : "s") << "; see corvalis-prefs " << command << " --help\n";
-    return true;
-}
 
 std::string lowercase(std::string text) {
     for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -177,8 +135,8 @@ int monitor(Context& context) {
 
 }  // namespace
 
-const std::vector<Command>& commands() {
-    static const std::vector<Command> all = {
+std::vector<Command> storeCommands() {
+    return {
         {"show", "", "Loads the settings as the settings window does (normalised, and written back),\n"
                      "and prints them as an XML property list.", show},
         {"get", "KEY", "Prints one setting as an XML property list, after loading. An unknown key\n"
@@ -190,13 +148,6 @@ const std::vector<Command>& commands() {
         {"monitor", "", "Prints every Corvalis notification on the session bus (name, object and\n"
                         "user info) until interrupted.", monitor},
     };
-    return all;
-}
-
-void printCommandHelp(const Command& command, std::ostream& out) {
-    out << "Usage: corvalis-prefs [--domain-dir DIR] " << command.name << (*command.synopsis ? " " : "")
-        << command.synopsis << "\n\n"
-        << command.description << "\n";
 }
 
 }  // namespace corvalis::cli

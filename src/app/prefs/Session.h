@@ -1,0 +1,25 @@
+#pragma once
+// The store, the bus and the preferences, set up as the settings window sets them up.
+
+#include "app/prefs/CommandLine.h"
+#include "platform/FileDomainStore.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "prefs/CorvalisPreferences.h"
+
+namespace corvalis::cli {
+
+struct Session {
+    FileDomainStore domains;
+    DBusNotificationCenter bus;
+    CorvalisPreferences prefs;
+
+    explicit Session(const Context& context);
+
+    // Loads (normalises and writes back), telling of unreadable files; false
+    // with a message when the domain could not be written.
+    bool load(Context& context);
+    // False with a message when the last save failed.
+    bool reportWriteError(Context& context);
+};
+
+}  // namespace corvalis::cli
