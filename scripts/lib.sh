@@ -5,8 +5,8 @@ ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
 PACKAGES=(
   build-essential cmake ninja-build pkg-config clang
-  qt6-base-dev qt6-tools-dev qt6-l10n-tools qt6-image-formats-plugins
-  libplist-dev libplist++-dev libplist-utils
+  qt6-base-dev qt6-tools-dev qt6-l10n-tools qt6-image-formats-plugins qt6-svg-dev
+  libplist-dev libplist++-dev libplist-utils llvm
   libxkbcommon-dev libxkbcommon-x11-dev libicu-dev libxcb1-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth dbus dbus-x11 desktop-file-utils adwaita-icon-theme xkb-data fonts-dejavu-core

@@ -2,6 +2,7 @@
 
 #include <plist/plist.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -86,7 +87,12 @@ Value fromNode(plist_t node) {
         plist_get_real_val(node, &d);
         return Value::real64(d);
     }
-    case PLIST_STRING:
+    case PLIST_STRING: {
+        // Read in place: libplist's copying getter asserts on text holding a NUL byte.
+        std::uint64_t length = 0;
+        const char* s = plist_get_string_ptr(node, &length);
+        return Value(validUtf8(s ? s : ""));
+    }
     case PLIST_KEY: {
         char* s = nullptr;
         plist_get_string_val(node, &s);
@@ -153,8 +159,11 @@ struct NodeBuilder {
             return plist_new_data(reinterpret_cast<const char*>(d.data()), d.size());
         }
         case Type::Date: {
+            // libplist keeps dates as 32-bit seconds since 2001 (1933 to 2069). A date
+            // outside is pinned to the nearest end rather than failing the whole save.
             double seconds = value.date()->seconds;
-            if (!std::isfinite(seconds) || std::fabs(seconds) > kMaxDateSeconds) return fail("date out of range");
+            if (std::isnan(seconds)) return fail("date is not a number");
+            seconds = std::clamp(seconds, -kMaxDateSeconds - 1, kMaxDateSeconds);
             double whole = std::floor(seconds);
             auto usec = static_cast<std::int32_t>(std::lround((seconds - whole) * 1e6));
             if (usec >= 1000000) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "plist/PlistIO.h"
 
 using namespace corvalis::plist;
@@ -73,14 +75,17 @@ TEST(PlistIO, BothFormatsRoundTripEveryType) {
     }
 }
 
-TEST(PlistIO, DateFractionsSurviveBinaryOnlyAndNegativeDatesStayNegative) {
+TEST(PlistIO, DateFractionsSurviveBinaryOnlyNegativeDatesStayNegativeFarDatesArePinned) {
     Dictionary dates{{"Before2001", Date{-99.5}}, {"After", Date{10.25}}};
     ParseResult binary = roundTrip(dates, Format::Binary);
     EXPECT_EQ(binary.value.dictionary()->operator[]("Before2001").date()->seconds, -99.5);
     EXPECT_EQ(binary.value.dictionary()->operator[]("After").date()->seconds, 10.25);
     ParseResult xml = roundTrip(dates, Format::Xml);
     EXPECT_EQ(xml.value.dictionary()->operator[]("After").date()->seconds, 10.0);
-    EXPECT_FALSE(serialize(Dictionary{{"Far", Date{1e12}}}, Format::Binary).ok());
+    // Dates beyond what the file format's reader keeps are pinned to its last second, not refused.
+    ParseResult far = roundTrip(Dictionary{{"Far", Date{1e12}}}, Format::Binary);
+    EXPECT_EQ(far.value.dictionary()->operator[]("Far").date()->seconds, 2147483647.0);
+    EXPECT_FALSE(serialize(Dictionary{{"Never", Date{std::nan("")}}}, Format::Binary).ok());
 }
 
 TEST(PlistIO, ValuesNoFileCanHoldAreRefusedOrSkipped) {
@@ -142,4 +147,12 @@ TEST(PlistIO, GiganticSizesAreRefused) {
     trailer[31] = 19;
     bytes.insert(bytes.end(), trailer, trailer + 32);
     EXPECT_FALSE(parse(std::span<const std::uint8_t>(bytes)).ok());
+}
+
+TEST(PlistIO, TextHoldingANulByteReadsUpToIt) {
+    const char text[] = "<plist><array><string>ab\0cd</string></array></plist>";
+    std::string xml(text, sizeof text - 1);
+    ParseResult parsed = parse(std::string_view(xml));
+    ASSERT_TRUE(parsed.ok()) << parsed.error;
+    EXPECT_EQ(*(*parsed.value.array())[0].string(), "ab");
 }

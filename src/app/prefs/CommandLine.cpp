@@ -8,7 +8,7 @@ const std::vector<Command>& commands() {
     // One list per area of the settings, each in its own file.
     static const std::vector<Command> all = [] {
         std::vector<Command> list;
-        for (auto area : {storeCommands})
+        for (auto area : {storeCommands, recordsCommands, controllerCommands, keysCommands, filesCommands})
             for (Command& command : area()) list.push_back(std::move(command));
         return list;
     }();

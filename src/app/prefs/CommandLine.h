@@ -32,6 +32,10 @@ const std::vector<Command>& commands();
 
 // The commands of each area (one file each).
 std::vector<Command> storeCommands();
+std::vector<Command> controllerCommands();
+std::vector<Command> recordsCommands();
+std::vector<Command> keysCommands();
+std::vector<Command> filesCommands();
 
 // True, with a message, when the command did not get `expected` arguments.
 bool wrongArgumentCount(Context& context, std::size_t expected, const char* command);

@@ -10,3 +10,10 @@ inline constexpr char kNotificationInterface[] = "com.kestrova.Corvalis.Notifica
 inline constexpr char kNotificationMember[] = "Notification";
 
 }  // namespace corvalis::bus
+
+namespace corvalis::bus {
+
+// The well-known name the running controller owns on the session bus.
+inline constexpr char kControllerBusName[] = "com.kestrova.Corvalis.Controller";
+
+}  // namespace corvalis::bus
