@@ -35,7 +35,7 @@ bool isMountPoint(const std::string& path) {
 }  // namespace
 
 CorvalisPreferences::CorvalisPreferences(DomainStore& store, NotificationCenter& distributed)
-    : _store(store), _distributed(distributed) {}
+    : _store(store), _distributed(distributed), _environment(LoadEnvironment::system(store)) {}
 
 // ---- Loading and saving ------------------------------------------------------
 
@@ -45,11 +45,22 @@ bool CorvalisPreferences::loadPreferences() {
     Dictionary loaded = loadFromDefaults();
     // The factory defaults are shared by the whole process and must never change: edit a copy.
     _prefsData = loaded.isSameObject(defaultValues()) ? loaded.deepCopy() : loaded;
-    // The record loaders come before the clean-up; none reports a first use yet.
-    bool firstUse = true;
+    _loadHotKeys();
+    bool excludedInQuitMenu = _loadGroups();
+    _loadCustomApplications();
+    _loadExcludedApplications();
+    _loadOpenMenuItems();
+    bool quitMenuBuilt = _loadQuitMenuItems(excludedInQuitMenu);
+    bool switchMenuBuilt = _loadSwitchMenuItems();
+    _loadSpecialMenuItems();
+    _loadIncludeTerminatedAppsWhere();
+    _loadQuickCopyPathCommand();
+    _loadMarkAppMode();
+    _loadKeyboardShortcuts();
+    bool firstMeeting = _loadCheckForUpdates();
     _cleanUpPreferences();
     saveToDefaults();
-    return firstUse;
+    return firstMeeting && quitMenuBuilt && switchMenuBuilt;
 }
 
 Dictionary CorvalisPreferences::loadFromDefaults() {
@@ -63,6 +74,23 @@ bool CorvalisPreferences::saveToDefaults() {
     _store.removePersistentDomainForName(_appID);
     _store.setPersistentDomain(*_prefsData, _appID);
     return _store.synchronize(_appID);
+}
+
+std::optional<Array> CorvalisPreferences::storedArray(const char* key) const {
+    return _prefsData ? plist::asArray((*_prefsData)[key]) : std::nullopt;
+}
+
+std::optional<Dictionary> CorvalisPreferences::storedDictionary(const char* key) const {
+    return _prefsData ? plist::asDictionary((*_prefsData)[key]) : std::nullopt;
+}
+
+bool CorvalisPreferences::legacyBool(const char* key, bool fallback) const {
+    if (std::optional<bool> stored = simpleStringForKey(key).boolValue()) return *stored;
+    return defaultValues()[key].boolValue().value_or(fallback);
+}
+
+void CorvalisPreferences::removeKeys(std::initializer_list<const char*> keys) {
+    for (const char* key : keys) working().remove(key);
 }
 
 void CorvalisPreferences::_cleanUpPreferences() {

@@ -4,6 +4,7 @@
 // factory defaults, written back whole, with each change announced to the
 // running controller first.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,6 +14,19 @@
 #include "plist/Value.h"
 
 namespace corvalis {
+
+// What loading asks of the machine: which menu entries it can offer and what
+// its processor runs. `system(store)` asks this machine (the photo libraries
+// through the store's "com.apple.iApps" domain); tests answer for another.
+struct LoadEnvironment {
+    std::function<bool()> developerApplicationsFolderExists;
+    std::function<bool()> addressBookInstalled;
+    std::function<bool()> iPhotoLibraryAvailable;
+    std::function<bool()> apertureLibraryAvailable;
+    std::function<bool()> is64BitProcessor;
+
+    static LoadEnvironment system(DomainStore& store);
+};
 
 class CorvalisPreferences {
 public:
@@ -30,6 +44,10 @@ public:
     plist::Dictionary loadFromDefaults();
     // Replaces the whole stored domain with the working copy; false when writing failed.
     bool saveToDefaults();
+    // Replaces the stored domain with `settings` and loads it (normalised and saved again).
+    void restoreDefaultsFromBackup(const plist::Dictionary& settings);
+    // Whether `settings` holds at least one key this version recognises (legacy keys do not count).
+    static bool isValidBackup(const plist::Dictionary& settings);
     // Forgets the working copy so that the next loadPreferences reads the domain again.
     void unload() { _prefsData.reset(); }
 
@@ -81,6 +99,36 @@ public:
     // Unreadable domain files that loading moved aside (to be told to the user).
     std::vector<SetAsideDomain> takeSetAsideDomains() { return _store.takeSetAsideDomains(); }
 
+    // The factory menus, each a new array of { "Item": kind } records.
+    plist::Array defaultOpenMenu() const;
+    plist::Array defaultQuitMenu() const;
+    plist::Array defaultSwitchMenu() const;
+    plist::Array defaultSpecialMenu() const;
+
+    // Run the group and application loaders again (no save, no notification).
+    void reloadGroups() { _loadGroups(); }
+    void reloadCustomApplications() { _loadCustomApplications(); }
+    void reloadExcludedApplications() { _loadExcludedApplications(); }
+
+    void setLoadEnvironment(LoadEnvironment environment) { _environment = std::move(environment); }
+    const LoadEnvironment& loadEnvironment() const { return _environment; }
+
+    // The record loaders, in the order loadPreferences runs them. Each rebuilds
+    // its keys in canonical form; a value of the wrong type counts as missing.
+    // The menu loaders return true when they had to build the menu.
+    void _loadHotKeys();
+    bool _loadGroups();  // whether the excluded applications belong in a migrated Quit menu
+    void _loadCustomApplications();
+    void _loadExcludedApplications();
+    bool _loadOpenMenuItems();
+    bool _loadQuitMenuItems(bool addExcludedApplications);
+    bool _loadSwitchMenuItems();
+    bool _loadSpecialMenuItems();
+    void _loadIncludeTerminatedAppsWhere();
+    void _loadQuickCopyPathCommand();
+    void _loadMarkAppMode();
+    void _loadKeyboardShortcuts();
+    bool _loadCheckForUpdates();  // true when no "CheckForUpdatesMaxVersion" was stored
     // Removes obsolete keys; run by loadPreferences after the record loaders.
     void _cleanUpPreferences();
 
@@ -91,8 +139,16 @@ private:
     // stored one is absent or fails `acceptable`.
     plist::Value valueOrDefault(const std::string& key, bool (*acceptable)(const plist::Value&));
 
+    // The stored value when it has the wanted type; otherwise none (a wrong type counts as missing).
+    std::optional<plist::Array> storedArray(const char* key) const;
+    std::optional<plist::Dictionary> storedDictionary(const char* key) const;
+    // A legacy switch: its stored boolean, else its factory default, else `fallback`.
+    bool legacyBool(const char* key, bool fallback) const;
+    void removeKeys(std::initializer_list<const char*> keys);
+
     DomainStore& _store;
     NotificationCenter& _distributed;
+    LoadEnvironment _environment;
     std::string _appID;
     std::optional<plist::Dictionary> _prefsData;
 };

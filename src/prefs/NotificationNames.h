@@ -46,4 +46,8 @@ inline constexpr const char* ChangeQuitMenuHotKey = "ChangeQuitMenuHotKey";
 inline constexpr const char* ChangeSwitchMenuHotKey = "ChangeSwitchMenuHotKey";
 inline constexpr const char* ChangeSpecialMenuHotKey = "ChangeSpecialMenuHotKey";
 
+// User-info keys of the command shortcut changes.
+inline constexpr const char* ChangeKeyboardShortcut = "ChangeKeyboardShortcut";
+inline constexpr const char* ChangeKeyboardShortcutEnabled = "ChangeKeyboardShortcutEnabled";
+
 }  // namespace corvalis::changes

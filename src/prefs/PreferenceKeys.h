@@ -140,6 +140,11 @@ inline constexpr const char* CheckForUpdatesNewVersion = "CheckForUpdatesNewVers
 inline constexpr const char* CheckForUpdatesSkipVersion = "CheckForUpdatesSkipVersion";
 inline constexpr const char* CheckForUpdatesMaxVersion = "CheckForUpdatesMaxVersion";
 
+// User-info keys by which the controller's "CheckForUpdatesChanged" says that an update key is gone.
+inline constexpr const char* RemoveCheckForUpdatesLast = "RemoveCheckForUpdatesLast";
+inline constexpr const char* RemoveCheckForUpdatesNewVersion = "RemoveCheckForUpdatesNewVersion";
+inline constexpr const char* RemoveCheckForUpdatesSkipVersion = "RemoveCheckForUpdatesSkipVersion";
+
 // Obsolete keys removed on every load.
 inline constexpr const char* IsTrustedChecked = "IsTrustedChecked";
 inline constexpr const char* ClassicApplicationsFolderDepth = "ClassicApplicationsFolderDepth";
@@ -163,6 +168,46 @@ inline constexpr const char* Character = "Character";
 inline constexpr const char* Modifiers = "Modifiers";
 inline constexpr const char* VirtualKeyCode = "VirtualKeyCode";
 inline constexpr const char* Position = "Position";
+
+// Menu item records of the four menus.
+inline constexpr const char* Item = "Item";
+inline constexpr const char* Path = "Path";
+inline constexpr const char* AliasData = "AliasData";
+inline constexpr const char* NameIsCustom = "NameIsCustom";
+inline constexpr const char* Depth = "Depth";
+inline constexpr const char* BrowserDepth = "BrowserDepth";
+
+// User group records (beside the keys every group has) and their command shortcuts.
+inline constexpr const char* Icon = "Icon";
+inline constexpr const char* IconData = "IconData";
+inline constexpr const char* ShowInOpenMenu = "ShowInOpenMenu";
+inline constexpr const char* ShowInQuitMenu = "ShowInQuitMenu";
+inline constexpr const char* ShowInSwitchMenu = "ShowInSwitchMenu";
+inline constexpr const char* KeyboardShortcut = "KeyboardShortcut";
+inline constexpr const char* CommandID = "CommandID";
+inline constexpr const char* Enabled = "Enabled";
+inline constexpr const char* Action = "Action";
+// The payload keys of the shortcut changes ("CommandId", unlike the records' "CommandID", is what the controller reads).
+inline constexpr const char* CommandId = "CommandId";
+inline constexpr const char* KeyCombination = "KeyCombination";
+
+// Custom application records and their launch options.
+inline constexpr const char* Options = "Options";
+// An application entry of the custom applications editor that was just changed.
+inline constexpr const char* Updated = "Updated";
+inline constexpr const char* ForceRosetta = "ForceRosetta";
+inline constexpr const char* Force32BitMode = "Force32BitMode";
+inline constexpr const char* DontHideInSingleAppMode = "DontHideInSingleAppMode";
+inline constexpr const char* DontHideOnHideOthers = "DontHideOnHideOthers";
+
+// Keys of older versions, migrated and removed on load.
+inline constexpr const char* Mark64BitApplications = "Mark64BitApplications";
+inline constexpr const char* ToggleSingleApplicationModeHotKey = "ToggleSingleApplicationModeHotKey";
+
+// Backup files, and the mark an import leaves in the settings.
+inline constexpr const char* Settings = "Settings";
+inline constexpr const char* Version = "Version";
+inline constexpr const char* ImportFromBackupDate = "ImportFromBackupDate";
 
 // The name of the undeletable group that holds the excluded applications.
 inline constexpr const char* ExcludedApplicationsGroupName = "ExcludedApplications";

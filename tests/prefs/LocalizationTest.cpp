@@ -26,7 +26,7 @@ TEST(Localization, UnknownKeysShowThemselves) {
 
 // Every key the code looks up must be in the English table.
 TEST(Localization, EnglishTableHasEveryKeyTheCodeUses) {
-    std::regex lookup(R"re(Localized(?:String|Format)\(\s*"([^"]+)")re");
+    std::regex lookup(R"re((?:Localized(?:String|Format)|localized(?:Format)?)\(\s*"([^"]+)")re");
     int checked = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(CORVALIS_SOURCE_DIR "/src")) {
         if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;

@@ -5,6 +5,8 @@ set -uo pipefail
 tool="$1"
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
+# restore may touch login items: keep them out of the user's own folders.
+export HOME="$work/home" XDG_CONFIG_HOME="$work/config"
 failures=0
 check() { # check DESCRIPTION COMMAND...
   local what="$1"; shift
@@ -22,15 +24,18 @@ printed = plistlib.load(open(sys.argv[2], "rb"))
 via_plistutil = plistlib.loads(subprocess.run(["plistutil", "-i", sys.argv[1], "-f", "xml"],
                                               capture_output=True, check=True).stdout)
 assert on_disk == printed == via_plistutil
-assert len(on_disk) == 109, len(on_disk)
-types = {bool: 0, int: 0, float: 0, str: 0, list: 0}
+assert len(on_disk) == 97, len(on_disk)
+types = {bool: 0, int: 0, float: 0, str: 0, list: 0, dict: 0}
 for value in on_disk.values():
     types[type(value)] += 1
-assert types == {bool: 75, int: 13, float: 7, str: 4, list: 10}, types
+assert types == {bool: 59, int: 12, float: 7, str: 5, list: 13, dict: 1}, types
+assert on_disk["QuitMenuItems"] == [{"Item": i} for i in
+    ["RunningApplications", "Separator", "QuitOthers", "QuitAll", "Separator", "Groups"]]
+assert sorted(on_disk["KeyboardShortcuts"]) == [str(i) for i in range(1000, 1018)]
 assert on_disk["HotKeys"][0] == {"Character": 111, "Modifiers": 4608, "VirtualKeyCode": 1018, "Position": 0}
 assert [h["Character"] for h in on_disk["HotKeys"]] == [111, 113, 115, 101]
 assert on_disk["PanelButtons"] == [{"Color": i, "Visible": True} for i in range(4)]
-assert on_disk["Groups"] == [{"Name": "ExcludedApplications", "CanBeDeleted": False, "Hide": False,
+assert on_disk["Groups"] == [{"Name": "Excluded Applications", "CanBeDeleted": False, "Hide": False,
                               "AutoOpen": False, "Applications": []}]
 assert on_disk["CheckForUpdatesResult"] == -5 and on_disk["PanelCoordinate"] == 0.5
 PY
@@ -62,7 +67,7 @@ check "an unreadable domain is reported" grep -q 'was kept as' "$work/corrupt.er
 check "and kept aside unchanged" grep -qx 'this is not a property list' "$work"/corrupt/com.kestrova.Corvalis.plist.unreadable-*
 
 mkdir -p "$work/xml"
-python3 -c 'import plistlib,sys; plistlib.dump({"ShowHome": False, "Groups": []}, open(sys.argv[1], "wb"))' \
+python3 -c 'import plistlib,sys; plistlib.dump({"ShowIcons": False, "ShowHome": False, "Groups": []}, open(sys.argv[1], "wb"))' \
   "$work/xml/com.kestrova.Corvalis.plist"
 "$tool" --domain-dir "$work/xml" show > /dev/null
 check "an XML domain written by another program is read and kept" python3 - "$work/xml/com.kestrova.Corvalis.plist" <<'PY'
@@ -70,14 +75,94 @@ import plistlib, sys
 raw = open(sys.argv[1], "rb").read()
 assert raw.startswith(b"bplist00")
 d = plistlib.loads(raw)
-assert d["ShowHome"] is False and d["Groups"] == []
+assert d["ShowIcons"] is False and [g["Name"] for g in d["Groups"]] == ["Excluded Applications"]
+assert "ShowHome" not in d and {"Item": "Home"} not in d["SpecialMenuItems"]
 PY
 
 CORVALIS_SYSTEM_VERSION=10.11 "$tool" --domain-dir "$work/old" show > /dev/null
 check "before 10.12 StatusItemPosition is kept" grep -q StatusItemPosition <(plistutil -i "$work/old/com.kestrova.Corvalis.plist" -f xml)
 check "from 10.12 it is removed" test "$(grep -c StatusItemPosition "$work/shown.xml")" = 0
 
-for command in show get set monitor; do
+# normalize: what loading changes, key by key; a dry run changes nothing.
+mkdir -p "$work/legacy"
+python3 - "$work/legacy/com.kestrova.Corvalis.plist" <<'PY'
+import plistlib, sys
+plistlib.dump({"ShowLogOut": False, "ShowSleepRestartShutDown": False, "ShowIcons": True,
+               "HotKeys": [], "CheckForUpdatesFrequency": 14,
+               "SpecialMenuItems": [{"Item": "Library"}, {"Item": "Separator"}, {"Item": "Home"}],
+               "CustomApplications": [{"Path": "/opt/A.app", "Options": {"ForceRosetta": True}}]},
+              open(sys.argv[1], "wb"))
+PY
+before="$(md5sum < "$work/legacy/com.kestrova.Corvalis.plist")"
+"$tool" --domain-dir "$work/legacy" normalize --dry-run > "$work/dry.txt"
+check "a dry run leaves the domain alone" test "$(md5sum < "$work/legacy/com.kestrova.Corvalis.plist")" = "$before"
+check "and leaves no scratch folder behind" test -z "$(ls -d "${TMPDIR:-/tmp}"/corvalis-normalize-* 2>/dev/null)"
+check "normalize names what it adds" grep -q '^added    QuitMenuItems = array of 6' "$work/dry.txt"
+check "normalize names what it removes" grep -q '^removed  ShowLogOut' "$work/dry.txt"
+check "normalize names what it replaces" grep -q '^replaced HotKeys: array of 0 -> array of 4' "$work/dry.txt"
+check "normalize leaves unchanged keys out" test "$(grep -c ShowIcons "$work/dry.txt")" = 0
+CORVALIS_SYSTEM_VERSION=10.6.8 "$tool" --domain-dir "$work/legacy" normalize > /dev/null
+check "normalize saves, with the rules of the system named" python3 - "$work/legacy/com.kestrova.Corvalis.plist" <<'PY'
+import plistlib, sys
+d = plistlib.load(open(sys.argv[1], "rb"))
+assert d["SpecialMenuItems"] == [{"Item": "Home"}], d["SpecialMenuItems"]   # no Library before 10.7
+assert d["CustomApplications"][0]["Options"] == {"ForceRosetta": True}
+assert d["SwitchMenuMarkApplicationsUsingRosetta"] is True and "ShowLogOut" not in d
+assert len(d["HotKeys"]) == 4 and "CheckForUpdatesFrequency" in d and d["CheckForUpdatesFrequency"] == 7
+PY
+check "a second normalize has nothing to change" grep -q 'Nothing to change' <(CORVALIS_SYSTEM_VERSION=10.6.8 "$tool" --domain-dir "$work/legacy" normalize)
+
+# backup and restore.
+"$tool" --domain-dir "$work/fresh" backup "$work/saved" > /dev/null
+check "backup adds the extension and writes XML" grep -q '^<?xml' "$work/saved.cvbu"
+check "the backup holds the settings and version 1" python3 - "$work/saved.cvbu" "$domain" <<'PY'
+import plistlib, sys
+b = plistlib.load(open(sys.argv[1], "rb"))
+assert sorted(b) == ["Settings", "Version"] and b["Version"] == 1
+assert b["Settings"] == plistlib.load(open(sys.argv[2], "rb"))
+PY
+"$tool" --domain-dir "$work/fresh" set ShowIcons yes 2>/dev/null
+python3 - "$work" <<'PY'
+import plistlib, sys
+w = sys.argv[1]
+plistlib.dump({"Settings": {"ShowDisks": True}, "Version": 1}, open(w + "/legacy.cvbu", "wb"))
+plistlib.dump({"Settings": {"ShowIcons": True}, "Version": 2}, open(w + "/v2.cvbu", "wb"))
+plistlib.dump({"Settings": {"ShowIcons": True}, "Version": "1"}, open(w + "/text.cvbu", "wb"))
+PY
+before="$(md5sum < "$domain")"
+check "a backup of legacy keys only is refused with exit 3" test "$(status_of "$tool" --domain-dir "$work/fresh" restore "$work/legacy.cvbu")" = 3
+check "naming the file" grep -q 'legacy.cvbu' <("$tool" --domain-dir "$work/fresh" restore "$work/legacy.cvbu" 2>&1)
+check "another format version names both versions" grep -q '0\.1\.0.* 2' <("$tool" --domain-dir "$work/fresh" restore "$work/v2.cvbu" 2>&1)
+check "a version given as text is not a backup" grep -q 'text.cvbu' <("$tool" --domain-dir "$work/fresh" restore "$work/text.cvbu" 2>&1)
+check "a missing file is refused with exit 3" test "$(status_of "$tool" --domain-dir "$work/fresh" restore "$work/none.cvbu")" = 3
+check "refused backups change nothing" test "$(md5sum < "$domain")" = "$before"
+check "restore replaces the settings" grep -q 'replaced' <("$tool" --domain-dir "$work/fresh" restore "$work/saved.cvbu")
+check "with those of the backup" grep -q '<false/>' <("$tool" --domain-dir "$work/fresh" get ShowIcons)
+
+# check: invalid stored paths, grouped as the pane's summary counts them.
+mkdir -p "$work/paths/app/Here.app" "$work/paths/.Trash/Gone.app"
+python3 - "$work/paths" <<'PY'
+import plistlib, sys
+w = sys.argv[1]
+plistlib.dump({"Groups": [{"Name": "Work", "CanBeDeleted": True, "Applications": [
+                   {"Path": w + "/app/Here.app"}, {"Path": w + "/app/Missing.app"}]},
+                  {"Name": "x", "CanBeDeleted": False, "Applications": [{"Path": w + "/.Trash/Gone.app"}]}],
+               "SwitchMenuExcludedApplications": [{"Path": "/nowhere/B.app"}]},
+              open(w + "/com.kestrova.Corvalis.plist", "wb"))
+PY
+"$tool" --domain-dir "$work/paths" check > "$work/check.txt"
+check "check exits 1 when paths are invalid" test "$(status_of "$tool" --domain-dir "$work/paths" check)" = 1
+check "check groups them as the summary does" python3 - "$work/check.txt" <<'PY'
+import sys
+text = open(sys.argv[1]).read()
+assert "Groups: 1 invalid path\n" in text and "Missing.app  (Work)" in text, text
+assert "Quit menu (excluded applications): 1 invalid path\n" in text and "Gone.app" in text, text
+assert "Switch menu (excluded applications): 1 invalid path\n" in text, text
+assert "Here.app" not in text, text
+PY
+check "check exits 0 when all paths lead somewhere" test "$(status_of "$tool" --domain-dir "$work/fresh" check)" = 0
+
+for command in show get set monitor normalize backup restore check; do
   check "$command --help" test "$(status_of "$tool" "$command" --help)" = 0
 done
 check "an unknown command exits 2" test "$(status_of "$tool" frobnicate)" = 2

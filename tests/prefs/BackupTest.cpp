@@ -1,0 +1,133 @@
+#include <unistd.h>
+
+#include <chrono>
+
+#include "plist/PlistIO.h"
+#include "prefs/Backup.h"
+#include "prefs/DefaultValues.h"
+#include "prefs/LoaderFixture.h"
+#include "prefs/Localization.h"
+#include "prefs/PaneVersion.h"
+#include "support/TestSupport.h"
+
+using namespace corvalis;
+using namespace corvalis::plist;
+using test::LoaderTest;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string bytesOf(const Value& root) {
+    WriteResult written = serialize(root, Format::Xml);
+    return std::string(written.bytes.begin(), written.bytes.end());
+}
+
+BackupContents check(const Value& root) {
+    std::string text = bytesOf(root);
+    return checkBackup(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
+class Backups : public LoaderTest {
+protected:
+    test::TempDir dir;
+};
+
+}  // namespace
+
+TEST(BackupValidity, OnlyKeysOfThisVersionMakeABackup) {
+    EXPECT_FALSE(CorvalisPreferences::isValidBackup(Dictionary()));
+    EXPECT_FALSE(CorvalisPreferences::isValidBackup(
+        Dictionary{{keys::ShowDisks, true}, {keys::Folders, Array()}, {keys::AddApplicationPath, "/"}, {"Foo", true}}));
+    for (const char* key : {keys::ShowIcons, keys::OpenMenuItems, keys::AskConfirmation, keys::Groups})
+        EXPECT_TRUE(CorvalisPreferences::isValidBackup(Dictionary{{keys::ShowDisks, true}, {key, true}})) << key;
+    EXPECT_FALSE(CorvalisPreferences::isValidBackup(Dictionary{{keys::CheckForUpdatesLast, Date{1}}}));
+}
+
+TEST(BackupValidity, BothChecksDecideTheOutcome) {
+    Dictionary settings{{keys::ShowIcons, false}};
+    BackupContents valid = check(Dictionary{{keys::Settings, settings}, {keys::Version, Value::int32(1)}});
+    EXPECT_EQ(valid.check, BackupCheck::Valid);
+    EXPECT_EQ(valid.settings, settings);
+    EXPECT_EQ(check(Dictionary{{keys::Settings, settings}, {keys::Version, Value::real64(1.0)}}).check,
+              BackupCheck::Valid);
+
+    for (Value invalid : {Value(Dictionary{{keys::Settings, Array{settings}}, {keys::Version, Value::int32(1)}}),
+                          Value(Dictionary{{keys::Settings, Dictionary{{keys::ShowDisks, true}}},
+                                           {keys::Version, Value::int32(1)}}),
+                          Value(Dictionary{{keys::Settings, settings}, {keys::Version, "1"}}),
+                          Value(Dictionary{{keys::Settings, settings}, {keys::Version, true}}),
+                          Value(Dictionary{{keys::Settings, settings}}), Value(Array{settings})})
+        EXPECT_EQ(check(invalid).check, BackupCheck::Invalid) << toXml(invalid);
+
+    BackupContents newer = check(Dictionary{{keys::Settings, settings}, {keys::Version, Value::int32(2)}});
+    EXPECT_EQ(newer.check, BackupCheck::WrongVersion);
+    EXPECT_EQ(newer.fileVersion, "2");
+    EXPECT_EQ(backupErrorText(newer, "x.cvbu"), LocalizedFormat("ImportBackupError1", {kPaneVersion, "2"}));
+    EXPECT_NE(backupErrorText(BackupContents{}, "Mine.cvbu").find("Mine.cvbu"), std::string::npos);
+}
+
+TEST_F(Backups, FilesRoundTripAsXmlWithTheirVersion) {
+    Dictionary settings = load(Dictionary{{keys::ShowIcons, false}});
+    fs::path file = dir / "Corvalis - today.cvbu";
+    std::string error;
+    ASSERT_TRUE(writeBackupFile(file, prefs.loadFromDefaults(), error)) << error;
+    std::string text = test::readFile(file);
+    EXPECT_EQ(text.rfind("<?xml", 0), 0u);
+    Dictionary root = *asDictionary(parse(std::string_view(text)).value);
+    EXPECT_EQ(root.size(), 2u);
+    EXPECT_EQ(root[keys::Version], Value::int32(1));
+    BackupContents read = readBackupFile(file);
+    ASSERT_EQ(read.check, BackupCheck::Valid);
+    EXPECT_EQ(read.settings, settings);
+
+    EXPECT_FALSE(writeBackupFile(dir / "missing" / "x.cvbu", settings, error));
+    EXPECT_FALSE(error.empty());
+    EXPECT_EQ(readBackupFile(dir / "absent.cvbu").check, BackupCheck::Invalid);
+    EXPECT_EQ(readBackupFile(dir.path()).check, BackupCheck::Invalid);
+}
+
+TEST_F(Backups, OversizedFilesAreRefusedUnread) {
+    fs::path file = dir / "huge.cvbu";
+    std::string head = bytesOf(Dictionary{{keys::Settings, Dictionary{{keys::ShowIcons, true}}},
+                                          {keys::Version, Value::int32(1)}});
+    test::writeFile(file, head);
+    ASSERT_EQ(readBackupFile(file).check, BackupCheck::Valid);
+    // A sparse file: refusing it must not cost reading 65 MB.
+    ASSERT_EQ(::truncate(file.c_str(), static_cast<off_t>(kMaxBackupFileBytes + 1)), 0);
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(readBackupFile(file).check, BackupCheck::Invalid);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+}
+
+TEST_F(Backups, RestoringReplacesTheDomainAndNormalisesIt) {
+    load(Dictionary{{keys::ShowIcons, false}, {keys::RecentFoldersMaxNum, Value::int32(5)}});
+    prefs.restoreDefaultsFromBackup(Dictionary{{keys::ShowHome, false}, {keys::RecentApplicationsMaxNum,
+                                                                         Value::int32(3)}});
+    Dictionary now = prefs.prefsData();
+    EXPECT_FALSE(now.contains(keys::ShowIcons)) << "the old settings are gone, not merged";
+    EXPECT_FALSE(now.contains(keys::ShowHome)) << "migrated into the Special menu";
+    EXPECT_EQ(kinds(now[keys::SpecialMenuItems])[0], "Volumes");
+    EXPECT_EQ(kinds(now[keys::SpecialMenuItems])[1], "Separator");
+    EXPECT_EQ(now[keys::RecentApplicationsMaxNum], Value::int32(3));
+    EXPECT_EQ(domains.domains["com.kestrova.Corvalis"], now);
+}
+
+TEST_F(Backups, ImportQuitsARunningControllerAndMarksSettingsThatTurnItOn) {
+    load(Dictionary());
+    bool running = true;
+    int quits = 0;
+    ImportControllerHooks hooks{[&] { return running; }, [&] { ++quits, running = false; }};
+    Dictionary turnsOn{{keys::TurnOnCorvalis, true}, {keys::ShowIcons, false}};
+    importSettings(prefs, turnsOn, hooks, Date{123456});
+    EXPECT_EQ(quits, 1);
+    EXPECT_EQ(prefs.prefsData()[keys::ImportFromBackupDate], Value(Date{123456}));
+    EXPECT_FALSE(turnsOn.contains(keys::ImportFromBackupDate)) << "the caller's settings are not changed";
+
+    running = true;
+    importSettings(prefs, Dictionary{{keys::TurnOnCorvalis, false}}, hooks, Date{1});
+    EXPECT_EQ(quits, 2);
+    EXPECT_FALSE(prefs.prefsData().contains(keys::ImportFromBackupDate));
+
+    importSettings(prefs, turnsOn, ImportControllerHooks{}, Date{3});
+    EXPECT_FALSE(prefs.prefsData().contains(keys::ImportFromBackupDate)) << "no controller known to be running";
+}
