@@ -1,0 +1,95 @@
+#pragma once
+// The Shortcuts tab without its widgets: the table of the controller's fixed
+// commands and their key combinations, what each edit stores and tells the
+// controller, and the controller's hot keys paused while a key is recorded.
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "keys/KVKeyCombination.h"
+#include "keys/KVKeyCombinationRecorder.h"
+
+namespace corvalis {
+
+class CorvalisPreferences;
+class KVKeyCombinationValidator;
+class NotificationCenter;
+
+// What the logic asks of the tab's widgets.
+class ShortcutsView {
+public:
+    virtual ~ShortcutsView() = default;
+    virtual void reloadData() = 0;
+    virtual void deselectAll() = 0;
+    virtual void scrollRowToVisible(int row) = 0;
+    virtual void beep() = 0;
+    // A sheet on the main window with one button.
+    virtual void showAlert(const std::string& title, const std::string& informativeText, const std::string& button) = 0;
+};
+
+enum class ShortcutTextColour { ControlText, LightGrey };
+
+// One of the controller's fixed commands: its id and the string key of its name.
+struct FixedCommand {
+    unsigned id;
+    const char* nameKey;
+};
+// The eighteen commands, in the order of the table's rows.
+const std::vector<FixedCommand>& fixedCommands();
+
+class ComKestrovaShortcutsController : public KeyCombinationFieldDelegate {
+public:
+    ComKestrovaShortcutsController(CorvalisPreferences& prefs, KVKeyCombinationValidator& validator,
+                                   NotificationCenter& distributed, ShortcutsView& view);
+
+    // The view that takes focus after recording (the table).
+    void setTable(Responder table) { _table = table; }
+
+    // Builds the command list the first time; every time clears combinations
+    // taken by hot keys, then shows the table from the top with nothing selected.
+    void initializePane(bool firstTime);
+    void willShowPane();
+    void updatePane(std::string& report);
+
+    // Command id → its name in the user's language.
+    const std::map<std::string, std::string>& localizedCommands() const { return _localizedCommands; }
+    const std::vector<std::string>& commandIds() const { return _commandIds; }
+
+    // The table's columns.
+    int numberOfRows() const { return static_cast<int>(_commandIds.size()); }
+    bool enabledAt(int row) const;
+    std::string commandAt(int row) const;
+    std::optional<KVKeyCombination> keyCombinationAt(int row) const;
+    void setEnabled(bool enabled, int row);
+    void setKeyCombination(const std::optional<KVKeyCombination>& combination, int row);
+
+    // A disabled row's combination is grey unless it is being worked on
+    // (selected in the focused table of the key window).
+    static ShortcutTextColour keyCombinationTextColour(bool rowEnabled, bool windowIsKey, bool tableIsFirstResponder,
+                                                       bool rowSelected);
+
+    // The recording field's delegate.
+    void keyCombinationWillBeginEditing() override;
+    void keyCombinationWillEndEditing() override;
+    bool validateKeyCombination(const std::optional<KVKeyCombination>& combination, std::string* error) override;
+    void didFailToValidateKeyCombination(const std::string& error) override;
+    Responder nextFirstResponderForControl() override { return _table; }
+
+    void _validateKeyboardShortcuts();
+
+private:
+    std::optional<plist::Dictionary> recordAt(int row) const;
+    void store(int row, const plist::Dictionary& record);
+
+    CorvalisPreferences& _prefs;
+    KVKeyCombinationValidator& _validator;
+    NotificationCenter& _distributed;
+    ShortcutsView& _view;
+    Responder _table = nullptr;
+    std::vector<std::string> _commandIds;
+    std::map<std::string, std::string> _localizedCommands;
+};
+
+}  // namespace corvalis

@@ -1,0 +1,218 @@
+#include <map>
+#include <set>
+
+#include "keys/ComKestrovaShortcutsController.h"
+#include "keys/EvdevKeyCodes.h"
+#include "keys/KVKeyCombination.h"
+#include "keys/KeyStrings.h"
+#include "keys/KeysFixture.h"
+#include "prefs/Localization.h"
+
+using namespace corvalis;
+using test::ScopedLayout;
+
+namespace {
+
+constexpr std::uint32_t kShiftCommand = modifiers::Shift | modifiers::Command;
+constexpr std::uint32_t kAllFour = modifiers::Shift | modifiers::Control | modifiers::Option | modifiers::Command;
+
+std::string nameOf(std::uint16_t code) {
+    return KVKeyCombinationCenter::sharedCenter().virtualKeyCodeToString(code).value_or("<none>");
+}
+
+// A layout that types what the test says, for what no real layout does.
+class TableLayout : public KeyboardLayout {
+public:
+    explicit TableLayout(std::map<std::uint16_t, std::string> typed) : typed_(std::move(typed)) {}
+    std::optional<std::string> translateKey(std::uint16_t evdev) const override {
+        auto found = typed_.find(evdev);
+        return found == typed_.end() ? std::string() : found->second;
+    }
+    std::string identity() const override { return "table"; }
+
+private:
+    std::map<std::uint16_t, std::string> typed_;
+};
+
+}  // namespace
+
+TEST(KeyCombinationValue, EqualityAndStoredForm) {
+    KVKeyCombination a(107, 40, kShiftCommand), b(0, 40, kShiftCommand);
+    EXPECT_FALSE(a.isEqual(b));  // differs only in the kept character
+    EXPECT_TRUE(a.isEquivalent(b));
+    EXPECT_FALSE(a.isEquivalent(KVKeyCombination(107, 40, modifiers::Command)));
+    EXPECT_FALSE(a.isEquivalent(KVKeyCombination(107, 41, kShiftCommand)));
+
+    plist::Dictionary stored = a.dictionary();
+    EXPECT_EQ(stored[keys::Character].integer()->width, plist::IntWidth::UInt8);
+    EXPECT_EQ(stored[keys::VirtualKeyCode].integer()->width, plist::IntWidth::UInt16);
+    EXPECT_EQ(stored[keys::Modifiers].integer()->width, plist::IntWidth::UInt32);
+    EXPECT_TRUE(KVKeyCombination::fromDictionary(stored)->isEqual(a));
+
+    // Read back from a file every number is 64-bit; the controller reads the low bits.
+    plist::Dictionary fromFile{{keys::VirtualKeyCode, plist::Value::int64(65536 + 40)},
+                               {keys::Modifiers, plist::Value::int64((1LL << 32) + 0x300)}};
+    EXPECT_TRUE(KVKeyCombination::fromDictionary(fromFile)->isEquivalent(b));
+    EXPECT_FALSE(KVKeyCombination::fromDictionary(plist::Dictionary{{keys::Modifiers, plist::Value::uint32(256)},
+                                                                    {keys::Character, plist::Value::uint8(7)}}));
+}
+
+TEST(KeyCombinationText, ModifierGlyphsComeShiftControlOptionCommand) {
+    ScopedLayout us("us");
+    EXPECT_EQ(KeyCombination(0, 0, 0), "");
+    EXPECT_EQ(KeyCombination(0, 40, kShiftCommand), "⇧⌘K");
+    EXPECT_EQ(KeyCombination(0, 96, kAllFour), "⇧⌃⌥⌘F5");
+    EXPECT_EQ(KeyCombination(0, 96, modifiers::Option), "⌥F5");
+    EXPECT_EQ(KeyCombination(0, 0, modifiers::Command), "⌘A");
+    EXPECT_EQ(KeyCombination(0, 0, 0x4000 | modifiers::Control), "⌃A");  // other bits are not drawn
+    // The kept character plays no part in the name.
+    EXPECT_EQ(KeyCombination('z', 40, modifiers::Command), "⌘K");
+    EXPECT_EQ(KVKeyCombination(0, 31, 0x1200).text(), "⇧⌃O");
+}
+
+TEST(KeyCombinationText, KeypadFunctionArrowAndEditingKeys) {
+    ScopedLayout us("us");
+    EXPECT_EQ(KeyCombination(0, 85, modifiers::Control), "⌃[3]");
+    // Keypad clear and enter have fixed names, not bracketed.
+    std::pair<std::uint16_t, const char*> named[] = {
+        {71, "⌧"}, {76, "⌅"}, {82, "[0]"}, {65, "[.]"}, {67, "[*]"}, {75, "[/]"}, {81, "[=]"}, {92, "[9]"},
+        {122, "F1"}, {120, "F2"}, {99, "F3"}, {118, "F4"}, {96, "F5"}, {97, "F6"}, {98, "F7"}, {100, "F8"},
+        {101, "F9"}, {109, "F10"}, {103, "F11"}, {111, "F12"}, {105, "F13"}, {107, "F14"}, {113, "F15"},
+        {106, "F16"}, {64, "F17"}, {79, "F18"}, {80, "F19"}, {123, "←"}, {124, "→"}, {126, "↑"}, {125, "↓"},
+        {51, "⌫"}, {117, "⌦"}, {115, "↖"}, {119, "↘"}, {116, "⇞"}, {121, "⇟"}, {53, "⎋"}, {36, "↩"}, {48, "⇥"},
+        {49, "Space"}, {114, "Help"}};
+    for (auto [code, name] : named) EXPECT_EQ(nameOf(code), name) << code;
+}
+
+TEST(KeyCombinationText, LettersFollowTheLayout) {
+    struct Case {
+        const char* layout;
+        std::uint16_t code;
+        const char* name;
+    };
+    // de: Y and Z swapped, umlauts keep their case; fr: A/Q and Z/W swapped, digits need Shift.
+    Case cases[] = {{"us", 0x10, "Y"}, {"us", 0x06, "Z"}, {"us", 0x12, "1"}, {"us", 0x27, "'"},
+                    {"de", 0x10, "Z"}, {"de", 0x06, "Y"}, {"de", 0x29, "ö"}, {"de", 0x0A, "<"}, {"de", 0x41, "[,]"},
+                    {"fr", 0x00, "Q"}, {"fr", 0x0C, "A"}, {"fr", 0x06, "W"}, {"fr", 0x0D, "Z"}, {"fr", 0x12, "&"},
+                    {"fr", 0x13, "é"}};
+    for (const Case& c : cases) {
+        ScopedLayout layout(c.layout);
+        EXPECT_EQ(nameOf(c.code), c.name) << c.layout << " " << c.code;
+    }
+    ScopedLayout fr("fr");
+    EXPECT_EQ(KeyCombination(0, 0x13, modifiers::Command), "⌘é");
+}
+
+TEST(KeyCombinationText, DeadKeysAndLongerTextsHaveNoName) {
+    {
+        ScopedLayout fr("fr");
+        EXPECT_EQ(nameOf(0x21), "");  // circumflex
+        EXPECT_EQ(KeyCombination(0, 0x21, modifiers::Command), "⌘");
+    }
+    {
+        ScopedLayout intl("us", "intl");
+        EXPECT_EQ(nameOf(0x27), "");  // acute
+        EXPECT_EQ(nameOf(0x32), "");  // grave
+        EXPECT_EQ(nameOf(0x28), "K");
+    }
+    auto& center = KVKeyCombinationCenter::sharedCenter();
+    auto previous = center.layout();
+    center.setLayout(std::make_shared<TableLayout>(std::map<std::uint16_t, std::string>{
+        {37, "kk"}, {38, "\xF0\x9F\x98\x80"}, {36, "\xC3\xA9"}}));
+    EXPECT_EQ(nameOf(0x28), "");  // two characters
+    EXPECT_EQ(nameOf(0x25), "");  // beyond one UTF-16 unit
+    EXPECT_EQ(nameOf(0x26), "é");
+    center.setLayout(nullptr);
+    EXPECT_EQ(center.virtualKeyCodeToString(0x28), std::nullopt);  // nothing to translate with
+    EXPECT_EQ(nameOf(96), "F5");
+    EXPECT_EQ(KeyCombination(0, 0x28, modifiers::Command), "⌘");
+    center.setLayout(previous);
+}
+
+TEST(KeyCombinationText, NamesLeadBackToTheirKeys) {
+    auto& center = KVKeyCombinationCenter::sharedCenter();
+    {
+        ScopedLayout us("us");
+        EXPECT_EQ(center.stringToVirtualKeyCode("k"), 0x28);
+        EXPECT_EQ(center.stringToVirtualKeyCode("K"), 0x28);
+        EXPECT_EQ(center.stringToVirtualKeyCode("1"), 0x12);
+        EXPECT_EQ(center.stringToVirtualKeyCode("F5"), 96);
+        EXPECT_EQ(center.stringToVirtualKeyCode("[3]"), 85);
+        EXPECT_EQ(center.stringToVirtualKeyCode("é"), std::nullopt);
+    }
+    {
+        ScopedLayout fr("fr");
+        EXPECT_EQ(center.stringToVirtualKeyCode("q"), 0x00);
+        EXPECT_EQ(center.stringToVirtualKeyCode("1"), std::nullopt);  // typed only with Shift
+        EXPECT_EQ(center.stringToVirtualKeyCode("é"), 0x13);
+    }
+    // The same name on two keys: the higher code wins.
+    auto previous = center.layout();
+    center.setLayout(std::make_shared<TableLayout>(std::map<std::uint16_t, std::string>{{30, "x"}, {45, "x"}}));
+    EXPECT_EQ(center.stringToVirtualKeyCode("X"), 0x07);
+    center.setLayout(previous);
+}
+
+TEST(KeyCombinationText, OnlyKeypadFunctionAndArrowKeysMayGoWithoutModifiers) {
+    std::set<int> alone = {65, 67, 69, 75, 78, 81, 82, 83, 84, 85, 86, 87, 88, 89, 91, 92,
+                           64, 79, 80, 96, 97, 98, 99, 100, 101, 103, 105, 106, 107, 109, 111, 113, 118, 120, 122,
+                           123, 124, 125, 126};
+    for (int code = 0; code <= 0xFFFF; ++code)
+        ASSERT_EQ(KVKeyCombinationCenter::virtualKeyCodeRequiresModifiers(static_cast<std::uint16_t>(code)),
+                  !alone.count(code))
+            << code;
+}
+
+TEST(KeyCodeTable, EveryKeyOfTheOriginalKeyboardsHasOnePhysicalKey) {
+    std::set<int> withoutKey = {0x34, 0x42, 0x44, 0x46, 0x4D, 0x6C, 0x70, 0x7F};
+    std::set<std::uint16_t> evdevCodes;
+    for (std::uint16_t code = 0; code < 128; ++code) {
+        std::optional<std::uint16_t> evdev = evdevKeyCodeForVirtualKeyCode(code);
+        EXPECT_EQ(evdev.has_value(), !withoutKey.count(code)) << code;
+        if (!evdev) continue;
+        EXPECT_TRUE(evdevCodes.insert(*evdev).second) << "two codes on evdev key " << *evdev;
+        EXPECT_EQ(virtualKeyCodeForEvdevKeyCode(*evdev), code);
+    }
+    EXPECT_FALSE(evdevKeyCodeForVirtualKeyCode(128));
+    EXPECT_FALSE(evdevKeyCodeForVirtualKeyCode(1018));
+    // A PC keyboard's Print Screen, Scroll Lock and Pause are F13, F14 and F15.
+    EXPECT_EQ(virtualKeyCodeForEvdevKeyCode(99), 105);
+    EXPECT_EQ(virtualKeyCodeForEvdevKeyCode(70), 107);
+    EXPECT_EQ(virtualKeyCodeForEvdevKeyCode(119), 113);
+    EXPECT_FALSE(virtualKeyCodeForEvdevKeyCode(0));
+    EXPECT_FALSE(virtualKeyCodeForEvdevKeyCode(240));
+}
+
+TEST(KeyboardLayoutSource, FollowsTheUsersLayoutAndItsChanges) {
+    test::TempDir dir;
+    test::writeFile(dir / "keyboard", "# comment\nXKBMODEL=\"pc105\"\nXKBLAYOUT=\"de\"\nXKBVARIANT=\"nodeadkeys\"\n");
+    auto names = XkbKeyboardLayout::namesFromKeyboardConfiguration(dir / "keyboard");
+    ASSERT_TRUE(names);
+    EXPECT_EQ(names->layout, "de");
+    EXPECT_EQ(names->variant, "nodeadkeys");
+    EXPECT_FALSE(XkbKeyboardLayout::fromNames({"no-such-layout", ""}));
+
+    auto& center = KVKeyCombinationCenter::sharedCenter();
+    auto previous = center.layout();
+    std::string layout = "us";
+    center.setLayoutSource([&] { return std::shared_ptr<const KeyboardLayout>(XkbKeyboardLayout::fromNames({layout, ""})); });
+    EXPECT_EQ(nameOf(0x10), "Y");
+    EXPECT_FALSE(center.layoutChanged());  // the same layout read again
+    layout = "de";
+    EXPECT_EQ(nameOf(0x10), "Y");  // nothing changes until the change is told
+    EXPECT_TRUE(center.layoutChanged());
+    EXPECT_EQ(nameOf(0x10), "Z");
+    EXPECT_EQ(center.stringToVirtualKeyCode("Z"), 0x10);
+    center.setLayoutSource(nullptr);
+    center.setLayout(previous);
+}
+
+TEST(KeyStrings, EveryKeyNameMessageAndCommandIsInTheEnglishTable) {
+    using namespace keystrings;
+    for (const char* key : {Help, Space, KeyCombinationExistsAlready1, KeyCombinationExistsAlready2,
+                            KeyCombinationExistsAlready3, KeyCombinationExistsAlready4, KeyCombinationExistsAlready5,
+                            KeyCombinationExistsAlready6, KeyCombinationExistsAlready7, KeyCombinationExistsAlready8,
+                            ChooseAnotherCombination, OK})
+        EXPECT_TRUE(EnglishTableHasKey(key)) << key;
+    for (const FixedCommand& command : fixedCommands()) EXPECT_TRUE(EnglishTableHasKey(command.nameKey)) << command.id;
+}

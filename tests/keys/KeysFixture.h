@@ -1,0 +1,57 @@
+#pragma once
+// Real keyboard layouts from the system's keyboard data, and preferences kept in memory.
+
+#include <gtest/gtest.h>
+
+#include "keys/KVKeyCombinationCenter.h"
+#include "platform/InProcessNotificationCenter.h"
+#include "platform/linux/XkbKeyboardLayout.h"
+#include "prefs/CorvalisPreferences.h"
+#include "prefs/PreferenceKeys.h"
+#include "support/MemoryDomainStore.h"
+#include "support/TestSupport.h"
+
+namespace corvalis::test {
+
+// Makes the key-name centre use a named layout until the end of the scope.
+class ScopedLayout {
+public:
+    explicit ScopedLayout(const std::string& layout, const std::string& variant = "")
+        : previous_(KVKeyCombinationCenter::sharedCenter().layout()) {
+        auto named = XkbKeyboardLayout::fromNames({layout, variant});
+        EXPECT_TRUE(named) << "no keyboard data for " << layout << "(" << variant << ")";
+        KVKeyCombinationCenter::sharedCenter().setLayout(named);
+    }
+    ~ScopedLayout() { KVKeyCombinationCenter::sharedCenter().setLayout(previous_); }
+
+private:
+    std::shared_ptr<const KeyboardLayout> previous_;
+};
+
+inline plist::Dictionary hotKey(std::uint8_t character, std::uint32_t modifiers, std::uint16_t code,
+                                std::int32_t position = 0) {
+    return plist::Dictionary{{keys::Character, plist::Value::uint8(character)},
+                             {keys::Modifiers, plist::Value::uint32(modifiers)},
+                             {keys::VirtualKeyCode, plist::Value::uint16(code)},
+                             {keys::Position, plist::Value::int32(position)}};
+}
+
+class KeysTest : public ::testing::Test {
+protected:
+    MemoryDomainStore domains;
+    InProcessNotificationCenter bus;
+    CorvalisPreferences prefs{domains, bus};
+
+    // Loads `stored` as the domain, as the pane does when it opens; the bus starts empty.
+    void load(const plist::Dictionary& stored) {
+        domains.domains["com.kestrova.Corvalis"] = stored;
+        prefs.unload();
+        prefs.setLoadEnvironment({[] { return false; }, [] { return false; }, [] { return false; },
+                                  [] { return false; }, [] { return true; }});
+        prefs.loadPreferences();
+        bus.clearPosted();
+    }
+    const plist::Dictionary storedDomain() { return domains.domains["com.kestrova.Corvalis"]; }
+};
+
+}  // namespace corvalis::test
