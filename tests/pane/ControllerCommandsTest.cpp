@@ -1,0 +1,84 @@
+// corvalis-prefs turn-on, turn-off and status, run as a user runs them, with
+// the test controller behind $CORVALIS_CONTROLLER on this test's private bus.
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include "pane/ControllerTestSupport.h"
+
+using namespace corvalis;
+using namespace corvalis::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct ToolRun {
+    int status;
+    std::string output;  // standard output and error together
+};
+
+class ControllerCommandsTest : public ::testing::Test {
+protected:
+    ToolRun prefs(const std::string& arguments, const std::string& controller = "") {
+        std::string command = "CORVALIS_CONTROLLER=" + shellQuoted(controller.empty() ? bundle.string() : controller) +
+                              " XDG_CONFIG_HOME=" + shellQuoted((tmp / "config").string()) + " " +
+                              shellQuoted(CORVALIS_PREFS_TOOL) + " --domain-dir " + shellQuoted((tmp / "prefs").string()) +
+                              " " + arguments + " 2>&1";
+        ToolRun run{-1, ""};
+        FILE* pipe = ::popen(command.c_str(), "r");
+        char buffer[512];
+        while (pipe && std::fgets(buffer, sizeof buffer, pipe)) run.output += buffer;
+        if (pipe) run.status = WEXITSTATUS(::pclose(pipe));
+        return run;
+    }
+    bool contains(const ToolRun& run, const std::string& text) { return run.output.find(text) != std::string::npos; }
+
+    void TearDown() override {
+        for (const plist::Value& event : controllerRecord(record))
+            if (auto pid = (*event.dictionary())["Pid"].longLongValue()) ::kill(static_cast<pid_t>(*pid), SIGKILL);
+    }
+
+    TempDir tmp;
+    fs::path record = tmp / "record.plist";
+    fs::path bundle = makeBundle(tmp / "controllers", "Corvalis", "com.kestrova.Corvalis.Controller",
+                                 "exec " + shellQuoted(CORVALIS_TEST_CONTROLLER) + " --record " + shellQuoted(record.string()));
+};
+
+TEST_F(ControllerCommandsTest, TurnOnStatusAndTurnOffTellWhatHappened) {
+    ToolRun before = prefs("status");
+    EXPECT_EQ(before.status, 0) << before.output;
+    EXPECT_TRUE(contains(before, "is not running") && contains(before, "does not start when you log in") &&
+                contains(before, "TurnOnCorvalis: false"))
+        << before.output;
+
+    ToolRun on = prefs("turn-on");
+    EXPECT_EQ(on.status, 0) << on.output;
+    EXPECT_TRUE(contains(on, "will start when you log in") && contains(on, "was started")) << on.output;
+    ASSERT_TRUE(waitUntil([&] { return controllerRecord(record).size() == 1; }));
+    // The controller read the settings the command had just saved, from the folder it was given.
+    plist::Dictionary settings = plist::asDictionary((*controllerRecord(record)[0].dictionary())["Settings"]).value_or(plist::Dictionary());
+    EXPECT_EQ(settings["TurnOnCorvalis"], plist::Value(true));
+
+    ToolRun running;
+    ASSERT_TRUE(waitUntil([&] { return contains(running = prefs("status"), "is running (process "); })) << running.output;
+    std::string pid = std::to_string(*(*controllerRecord(record)[0].dictionary())["Pid"].longLongValue());
+    EXPECT_TRUE(contains(running, "(process " + pid + ")")) << running.output;
+    EXPECT_TRUE(contains(running, "com.kestrova.Corvalis.Corvalis.desktop") && contains(running, "TurnOnCorvalis: true"))
+        << running.output;
+
+    ToolRun off = prefs("turn-off");
+    EXPECT_EQ(off.status, 0) << off.output;
+    EXPECT_TRUE(contains(off, "quit") && contains(off, "does not start when you log in")) << off.output;
+    EXPECT_TRUE(contains(prefs("status"), "TurnOnCorvalis: false"));
+}
+
+TEST_F(ControllerCommandsTest, AControllerThatCannotBeStartedFailsTheCommand) {
+    ToolRun on = prefs("turn-on", (tmp / "missing" / "Corvalis.app").string());
+    EXPECT_EQ(on.status, 1);
+    EXPECT_TRUE(contains(on, "could not be started from " + (tmp / "missing" / "Corvalis.app").string())) << on.output;
+    EXPECT_EQ(prefs("turn-off --now").status, 2);
+    EXPECT_EQ(prefs("status extra").status, 2);
+}
+
+}  // namespace

@@ -1,0 +1,239 @@
+#include "pane/UpdatesController.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <limits>
+
+#include "pane/ControllerTestSupport.h"
+#include "platform/FileDomainStore.h"
+#include "platform/InProcessNotificationCenter.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "prefs/PaneVersion.h"
+#include "prefs/PreferenceKeys.h"
+
+using namespace corvalis;
+using namespace corvalis::test;
+using plist::Date, plist::Dictionary, plist::Value;
+namespace fs = std::filesystem;
+
+namespace {
+
+// 2026-11-22 22:48:00 UTC, in seconds since 2001.
+constexpr double kSunday = 817080480.0;
+
+class RecordingView : public UpdatesView {
+public:
+    std::optional<bool> checked;
+    std::optional<int> frequency;
+    std::optional<bool> frequencyEnabled;
+    std::vector<UpdateTexts> texts;
+    std::optional<UpdateSheetState> sheet;
+    std::vector<std::pair<std::chrono::milliseconds, std::function<void()>>> later;
+
+    void setAutomaticallyCheckForUpdates(bool value) override { checked = value; }
+    void selectCheckFrequency(int days) override { frequency = days; }
+    void setCheckFrequencyEnabled(bool enabled) override { frequencyEnabled = enabled; }
+    void setLastCheckAndResult(const UpdateTexts& value) override { texts.push_back(value); }
+    void showSoftwareUpdateSheet(const UpdateSheetState& state) override { sheet = state; }
+    void runLater(std::chrono::milliseconds delay, std::function<void()> action) override {
+        later.emplace_back(delay, std::move(action));
+    }
+};
+
+class UpdatesControllerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        prefs.loadPreferences();
+        updates.setDateFormatter([](const Date& date) { return "DATE(" + std::to_string(static_cast<long>(date.seconds)) + ")"; });
+    }
+
+    // The outcome as the controller stores it; the pane has not saved since.
+    void stored(int code, std::optional<std::string> newVersion = std::nullopt) {
+        prefs.setInt(code, keys::CheckForUpdatesResult);
+        prefs.setObject(Date{kSunday}, keys::CheckForUpdatesLast);
+        if (newVersion) prefs.setString(*newVersion, keys::CheckForUpdatesNewVersion);
+    }
+    std::string domainOnDisk() { return readFile(domains.pathForDomain("com.kestrova.Corvalis")); }
+
+    TempDir tmp;
+    FileDomainStore domains{tmp / "prefs"};
+    InProcessNotificationCenter distributed;
+    CorvalisPreferences prefs{domains, distributed};
+    RecordingView view;
+    UpdatesController updates{prefs, distributed, view};
+};
+
+TEST_F(UpdatesControllerTest, EveryOutcomeHasItsDateLineAndResultLine) {
+    const std::string date = "DATE(817080480)";
+    const std::string upToDate = "Corvalis " + std::string(kPaneVersion) + " is up to date.";
+    struct Case {
+        int code;
+        UpdateTexts texts;
+    } cases[] = {
+        {-5, {"Last check: never", ""}},
+        {0, {"Last check: " + date, upToDate}},
+        {1, {"Last check: " + date, "Version 2.5 is available."}},
+        {-1, {"Last attempt: " + date, "The check could not be completed."}},
+        {-2, {"Last attempt: " + date, "The update information could not be read."}},
+        {-3, {"Last attempt: " + date, "The update server could not be reached."}},
+        {-4, {"Last attempt: " + date, "The update server could not be reached."}},
+        {7, {"Last attempt: " + date, ""}},
+        {-6, {"Last attempt: " + date, ""}},
+        {2, {"Last attempt: " + date, ""}},
+    };
+    for (const Case& c : cases) {
+        stored(c.code, "2.5");
+        EXPECT_EQ(updates._fillLastCheckAndResult(), c.texts) << "code " << c.code;
+        ASSERT_FALSE(view.texts.empty());
+        EXPECT_EQ(view.texts.back(), c.texts) << "code " << c.code;
+    }
+    // An outcome without a stored time says so instead of showing an empty date.
+    prefs.removeObjectForKey(keys::CheckForUpdatesLast);
+    prefs.setInt(-1, keys::CheckForUpdatesResult);
+    EXPECT_EQ(updates._fillLastCheckAndResult().lastCheck, "Last attempt: never");
+}
+
+TEST(UpdateCheckDate, FullDateAndShortTimeInTheLocaleAndTheSystemTimeZone) {
+    const char* saved = std::getenv("TZ");
+    std::string previous = saved ? saved : "";
+    ::setenv("TZ", "UTC", 1);
+    ::tzset();
+    EXPECT_EQ(formatUpdateCheckDate(Date{kSunday}, QLocale("en_US")), "Sunday, November 22, 2026 10:48 PM");
+    EXPECT_EQ(formatUpdateCheckDate(Date{kSunday}, QLocale("de_DE")), "Sonntag, 22. November 2026 22:48");
+    ::setenv("TZ", "Asia/Tokyo", 1);
+    ::tzset();
+    EXPECT_EQ(formatUpdateCheckDate(Date{kSunday}, QLocale("de_DE")), "Montag, 23. November 2026 07:48");
+    EXPECT_EQ(formatUpdateCheckDate(Date{std::numeric_limits<double>::quiet_NaN()}, QLocale("de_DE")), "");
+    EXPECT_EQ(formatUpdateCheckDate(Date{1e300}, QLocale("de_DE")), "");
+    if (saved) ::setenv("TZ", previous.c_str(), 1);
+    else ::unsetenv("TZ");
+    ::tzset();
+}
+
+TEST_F(UpdatesControllerTest, TheControllersAnswerIsCopiedOrRemovedWithoutSaving) {
+    stored(1, "2.5");
+    prefs.setString("2.4", keys::CheckForUpdatesSkipVersion);
+    prefs.saveToDefaults();
+    const std::string onDisk = domainOnDisk();
+    updates.initializeSoftwareUpdate(true);
+    std::size_t refreshes = view.texts.size();
+
+    // Removals alone change the values but not the texts.
+    distributed.post({"CheckForUpdatesChanged", "com.kestrova.Corvalis.Controller",
+                      Dictionary{{"RemoveCheckForUpdatesNewVersion", true}, {"RemoveCheckForUpdatesSkipVersion", true}}});
+    EXPECT_FALSE(prefs.prefsData().contains(keys::CheckForUpdatesNewVersion));
+    EXPECT_FALSE(prefs.prefsData().contains(keys::CheckForUpdatesSkipVersion));
+    EXPECT_TRUE(prefs.prefsData().contains(keys::CheckForUpdatesLast));
+    EXPECT_EQ(view.texts.size(), refreshes);
+
+    // A value wins over its removal; an outcome refreshes the texts.
+    distributed.post({"CheckForUpdatesChanged", "com.kestrova.Corvalis.Controller",
+                      Dictionary{{"CheckForUpdatesLast", Date{kSunday + 60}}, {"RemoveCheckForUpdatesLast", true},
+                                 {"CheckForUpdatesNewVersion", "3.0"}, {"CheckForUpdatesResult", Value::int32(1)}}});
+    EXPECT_EQ(prefs.prefsData()[keys::CheckForUpdatesLast].date(), Date{kSunday + 60});
+    ASSERT_EQ(view.texts.size(), refreshes + 1);
+    EXPECT_EQ(view.texts.back(), (UpdateTexts{"Last check: DATE(817080540)", "Version 3.0 is available."}));
+
+    distributed.post({"CheckForUpdatesChanged", "com.kestrova.Corvalis.Controller",
+                      Dictionary{{"RemoveCheckForUpdatesLast", true}, {"CheckForUpdatesResult", Value::int32(-5)}}});
+    EXPECT_FALSE(prefs.prefsData().contains(keys::CheckForUpdatesLast));
+    EXPECT_EQ(view.texts.back(), (UpdateTexts{"Last check: never", ""}));
+
+    // Only the controller's notifications count, and nothing was written.
+    distributed.post({"CheckForUpdatesChanged", "com.kestrova.Corvalis", Dictionary{{"RemoveCheckForUpdatesLast", true}}});
+    distributed.post({"CheckForUpdatesChanged", "com.kestrova.Corvalis.Controller", std::nullopt});
+    EXPECT_EQ(view.texts.size(), refreshes + 2);
+    EXPECT_EQ(domainOnDisk(), onDisk);
+}
+
+TEST_F(UpdatesControllerTest, SettingsChangesAreSentToTheControllerAndSaved) {
+    updates.initializeSoftwareUpdate(true);
+    EXPECT_EQ(view.checked, false);
+    EXPECT_EQ(view.frequency, 7);
+    EXPECT_EQ(view.frequencyEnabled, false);
+    distributed.clearPosted();
+
+    updates.onAutomaticallyCheckForUpdates(true);
+    updates.onCheckFrequency(30);
+    updates.onCheckFrequency(14);  // no such item
+    updates.onCheckNow();
+    EXPECT_EQ(view.frequencyEnabled, true);
+    const auto& posted = distributed.posted();
+    ASSERT_EQ(posted.size(), 3u);
+    EXPECT_EQ(posted[0].name, "CorvalisPaneChangedPrefs");
+    EXPECT_EQ(posted[0].userInfo, (Dictionary{{"CheckForUpdates", true}}));
+    EXPECT_EQ(posted[1].userInfo, (Dictionary{{"CheckForUpdatesFrequency", Value::int32(30)}}));
+    EXPECT_EQ(posted[2].name, "CheckForUpdates");
+    EXPECT_EQ(posted[2].object, "com.kestrova.Corvalis");
+    EXPECT_FALSE(posted[2].userInfo);
+    auto saved = domains.persistentDomainForName("com.kestrova.Corvalis");
+    ASSERT_TRUE(saved);
+    EXPECT_EQ((*saved)["CheckForUpdates"], Value(true));
+    EXPECT_EQ((*saved)["CheckForUpdatesFrequency"], Value::int32(30));
+}
+
+TEST_F(UpdatesControllerTest, TheSheetIsUsableOnlyWhileTheControllerIsOn) {
+    updates.showSoftwareUpdateSheet();
+    EXPECT_EQ(view.sheet, (UpdateSheetState{false, false, false, false, true}));
+    prefs.setBool(true, keys::TurnOnCorvalis);
+    EXPECT_EQ(updates.sheetState(), (UpdateSheetState{true, true, false, true, false}));
+    prefs.setBool(true, keys::CheckForUpdates);
+    EXPECT_EQ(updates.sheetState(), (UpdateSheetState{true, true, true, true, false}));
+}
+
+TEST_F(UpdatesControllerTest, AFormatChangeRefreshesTheTextsASecondLaterWhileTheControllerLives) {
+    std::vector<std::pair<std::chrono::milliseconds, std::function<void()>>> later;
+    {
+        RecordingView otherView;
+        UpdatesController shortLived(prefs, distributed, otherView);
+        shortLived.onCheckForUpdatesFormatChanged();
+        ASSERT_EQ(otherView.later.size(), 1u);
+        EXPECT_EQ(otherView.later[0].first, std::chrono::seconds(1));
+        EXPECT_TRUE(otherView.texts.empty());
+        otherView.later[0].second();
+        EXPECT_EQ(otherView.texts.size(), 1u);
+        shortLived.onCheckForUpdatesFormatChanged();
+        later = std::move(otherView.later);
+    }
+    later.back().second();  // its controller is gone: nothing happens
+}
+
+// The real round trip: the pane asks, the controller checks and answers over the bus.
+TEST(UpdatesOverTheBus, CheckNowReachesTheControllerAndItsAnswerComesBack) {
+    application();
+    TempDir tmp;
+    fs::path answer = tmp / "answer.plist";
+    writeFile(answer, plist::toXml(Dictionary{{"CheckForUpdatesLast", Date{kSunday}},
+                                              {"CheckForUpdatesNewVersion", "9.9"},
+                                              {"CheckForUpdatesResult", Value::int32(1)}}));
+    fs::path record = tmp / "record.plist";
+    ::setenv("CORVALIS_PREFERENCES_DIR", (tmp / "prefs").c_str(), 1);
+    pid_t controller = ::fork();
+    if (controller == 0) {
+        ::execl(CORVALIS_TEST_CONTROLLER, CORVALIS_TEST_CONTROLLER, "--record", record.c_str(), "--answer-check",
+                answer.c_str(), nullptr);
+        ::_exit(127);
+    }
+    ASSERT_GT(controller, 0);
+    ASSERT_TRUE(waitUntil([&] { return controllerRecord(record).size() == 1; }));
+
+    FileDomainStore domains(tmp / "prefs");
+    DBusNotificationCenter bus;
+    CorvalisPreferences prefs(domains, bus);
+    prefs.loadPreferences();
+    RecordingView view;
+    UpdatesController updates(prefs, bus, view);
+    updates.initializeSoftwareUpdate(true);
+    updates.onCheckNow();
+    EXPECT_TRUE(waitUntil([&] { return prefs.prefsData()[keys::CheckForUpdatesNewVersion] == Value("9.9"); }));
+    EXPECT_EQ(view.texts.back().checkResult, "Version 9.9 is available.");
+    plist::Array events = controllerRecord(record);
+    ASSERT_EQ(events.size(), 2u);
+    EXPECT_EQ((*events[1].dictionary())["Name"], Value("CheckForUpdates"));
+    ::kill(controller, SIGTERM);
+    ::waitpid(controller, nullptr, 0);
+}
+
+}  // namespace
