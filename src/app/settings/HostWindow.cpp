@@ -1,0 +1,105 @@
+#include "app/settings/HostWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QPainter>
+#include <QPluginLoader>
+#include <QScreen>
+#include <QSettings>
+#include <QThread>
+
+#include "pane/ui/PreferencePane.h"
+
+namespace corvalis {
+
+namespace {
+
+void settle(int milliseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < milliseconds) {
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(10);
+    }
+}
+
+QSettings windowSettings() { return QSettings("Kestrova", "corvalis-settings"); }
+
+}  // namespace
+
+HostWindow::HostWindow() { setWindowTitle("Corvalis"); }
+
+bool HostWindow::loadPane(const QString& pluginPath, QString* error) {
+    QPluginLoader loader(pluginPath);
+    auto* plugin = qobject_cast<PreferencePanePlugin*>(loader.instance());
+    if (!plugin) {
+        *error = loader.errorString();
+        return false;
+    }
+    pane_ = plugin->createPane(this);
+    // The icon is one of the pane's images: there once the plugin is loaded.
+    setWindowIcon(QIcon(":/images/CorvalisIcon.svg"));
+    setCentralWidget(pane_->loadMainView());
+    return true;
+}
+
+void HostWindow::showAndSelect() {
+    QByteArray geometry = windowSettings().value("WindowGeometry").toByteArray();
+    if (geometry.isEmpty() || !restoreGeometry(geometry)) resize(sizeHint().expandedTo(QSize(720, 520)));
+    pane_->willSelect();
+    show();
+    pane_->didSelect();
+    selected_ = true;
+}
+
+void HostWindow::closeEvent(QCloseEvent* event) {
+    if (selected_ && pane_->shouldUnselect() == PreferencePane::UnselectReply::Cancel) {
+        QApplication::beep();
+        event->ignore();
+        return;
+    }
+    if (selected_) {
+        pane_->willUnselect();
+        pane_->didUnselect();
+        selected_ = false;
+    }
+    windowSettings().setValue("WindowGeometry", saveGeometry());
+    event->accept();
+}
+
+int HostWindow::writeScreenshots(const QString& folder) {
+    QDir().mkpath(folder);
+    int written = 0;
+    for (const QString& view : pane_->screenshotViews()) {
+        if (!pane_->showScreenshotView(view)) continue;
+        settle(300);
+        QPixmap shot = grab();
+        // A sheet is a window of its own: draw it where it sits over the window.
+        for (QDialog* sheet : findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (!sheet->isVisible()) continue;
+            QPixmap sheetShot = sheet->grab();
+            QPainter painter(&shot);
+            painter.fillRect(shot.rect(), QColor(0, 0, 0, 60));
+            painter.drawPixmap((shot.width() / shot.devicePixelRatio() - sheetShot.width() / sheetShot.devicePixelRatio()) / 2,
+                               0, sheetShot);
+        }
+        QString file = QDir(folder).filePath(view + ".png");
+        if (shot.save(file)) ++written;
+    }
+    return written;
+}
+
+QString findPanePlugin() {
+    QString fromEnvironment = qEnvironmentVariable("CORVALIS_PANE_PLUGIN");
+    if (!fromEnvironment.isEmpty()) return fromEnvironment;
+    QDir beside(QCoreApplication::applicationDirPath() + "/../lib/corvalis");
+    for (const char* name : {"libcorvalis-pane.so", "corvalis-pane.so"})
+        if (beside.exists(name)) return beside.filePath(name);
+    return beside.filePath("libcorvalis-pane.so");
+}
+
+}  // namespace corvalis

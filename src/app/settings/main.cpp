@@ -1,0 +1,47 @@
+// corvalis-settings: the window in which the user edits the Corvalis settings.
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QIcon>
+#include <QTextStream>
+
+#include "app/settings/HostWindow.h"
+
+using namespace corvalis;
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("corvalis-settings");
+    QApplication::setOrganizationName("Kestrova");
+    if (QIcon::themeName().isEmpty()) {
+        // Without a desktop session (offscreen, bare X servers) no theme is set.
+        QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() << "/usr/share/icons");
+        QIcon::setThemeName("Adwaita");
+    }
+
+    QCommandLineParser options;
+    options.setApplicationDescription("The Corvalis settings window.");
+    options.addHelpOption();
+    QCommandLineOption screenshot("screenshot", "Show each tab and sheet in turn, write one PNG per view into DIR, and quit.",
+                                  "DIR");
+    options.addOption(screenshot);
+    options.process(app);
+
+    QTextStream err(stderr);
+    HostWindow window;
+    QString error;
+    QString plugin = findPanePlugin();
+    if (!window.loadPane(plugin, &error)) {
+        err << "corvalis-settings: the settings pane could not be loaded from " << plugin << ": " << error << "\n";
+        return 1;
+    }
+    window.showAndSelect();
+    if (options.isSet(screenshot)) {
+        QString folder = options.value(screenshot);
+        int written = window.writeScreenshots(folder);
+        QTextStream(stdout) << "corvalis-settings: wrote " << written << " screenshots to " << folder << "\n";
+        window.close();
+        return written > 0 ? 0 : 1;
+    }
+    return QApplication::exec();
+}

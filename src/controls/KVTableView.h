@@ -1,0 +1,60 @@
+#pragma once
+// Table and outline views whose type-to-select asks the owner first (lists
+// sorted by name choose the row by the pane's name order), with a separator
+// row style and the image-and-text cells of the pane's lists.
+
+#include <QStyledItemDelegate>
+#include <QTableView>
+#include <QTreeView>
+#include <functional>
+
+namespace corvalis {
+
+// Item data roles the pane's models answer beside Qt's own.
+enum KVItemRole {
+    SeparatorRole = Qt::UserRole + 100,  // bool: the row is a separator line
+    ErrorCodeRole,                       // int: the icon service's error code of the row's path
+};
+
+// Answers true when it selected a row for the typed text; false leaves Qt's own search.
+using TypeToSelect = std::function<bool(const QString& typed)>;
+
+class KVTableView : public QTableView {
+    Q_OBJECT
+
+public:
+    explicit KVTableView(QWidget* parent = nullptr);
+    void setTypeToSelect(TypeToSelect handler) { typeToSelect_ = std::move(handler); }
+    void keyboardSearch(const QString& search) override;
+
+private:
+    TypeToSelect typeToSelect_;
+    QString typed_;
+    qint64 lastKeyAt_ = 0;
+};
+
+class KVOutlineView : public QTreeView {
+    Q_OBJECT
+
+public:
+    explicit KVOutlineView(QWidget* parent = nullptr);
+    void setTypeToSelect(TypeToSelect handler) { typeToSelect_ = std::move(handler); }
+    void keyboardSearch(const QString& search) override;
+
+private:
+    TypeToSelect typeToSelect_;
+    QString typed_;
+    qint64 lastKeyAt_ = 0;
+};
+
+// Icon and text, red or light grey by the row's error code, or a separator line.
+class KVImageAndTextCell : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+};
+
+}  // namespace corvalis

@@ -1,0 +1,307 @@
+#include "pane/ui/CorvalisPane.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QToolButton>
+#include <QTabWidget>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "controls/KVIconServices.h"
+#include "controls/KVSwitchControl.h"
+#include "controls/LocalizedText.h"
+#include "fileutils/KVOperatingSystem.h"
+#include "pane/ControllerLocation.h"
+#include "pane/ControllerManager.h"
+#include "platform/FileDomainStore.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "platform/linux/LinuxProcesses.h"
+#include "platform/linux/XdgAutostartLoginItems.h"
+#include "prefs/CorvalisPreferences.h"
+#include "prefs/PaneVersion.h"
+#include "prefs/PreferenceKeys.h"
+
+namespace corvalis {
+
+// The on/off switch as the controller logic sees it.
+class PaneSwitchView : public ControllerView {
+public:
+    explicit PaneSwitchView(ComKestrovaCorvalis_PrefsPane& pane) : pane_(pane) {}
+    bool isSwitchOn() const override { return pane_.onOffSwitch()->isChecked(); }
+    void setSwitchOn(bool on) override { pane_.onOffSwitch()->setChecked(on); }
+    void beep() override { QApplication::beep(); }
+
+private:
+    ComKestrovaCorvalis_PrefsPane& pane_;
+};
+
+namespace {
+// Tab identifiers, in the order the tabs appear.
+const char* const kTabIdentifiers[] = {"Menus", "Groups", "Applications", "Shortcuts", "Options", "Resume"};
+constexpr int kWelcomeDelayMs = 500;
+}  // namespace
+
+ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QObject* parent)
+    : QObject(parent), window_(window) {
+    domains_ = std::make_unique<FileDomainStore>(FileDomainStore::defaultFolder());
+    distributed_ = std::make_unique<DBusNotificationCenter>();
+    prefs_ = std::make_unique<CorvalisPreferences>(*domains_, *distributed_);
+    processes_ = std::make_unique<LinuxProcesses>(controllerPath());
+    loginItems_ = std::make_unique<XdgAutostartLoginItems>();
+    switchView_ = std::make_unique<PaneSwitchView>(*this);
+    controllerManager_ = std::make_unique<ControllerManager>(*prefs_, *processes_, *loginItems_, *switchView_);
+}
+
+ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() = default;
+
+QWidget* ComKestrovaCorvalis_PrefsPane::loadMainView() {
+    if (view_) return view_;
+    view_ = buildView();
+    mainViewDidLoad();
+    return view_;
+}
+
+QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
+    auto* view = new QWidget(window_);
+    auto* layout = new QVBoxLayout(view);
+
+    auto* top = new QHBoxLayout;
+    onOffSwitch_ = new KVSwitchControl(view);
+    onOffSwitch_->setAccessibleName(localized("CorvalisOnOff"));
+    onOffSwitch_->setToolTip(localized("CorvalisOnOffToolTip"));
+    switchLabel_ = new QLabel(view);
+    switchLabel_->setBuddy(onOffSwitch_);
+    top->addWidget(onOffSwitch_);
+    top->addWidget(switchLabel_);
+    top->addStretch(1);
+    auto addButton = [&](const char* key, void (ComKestrovaCorvalis_PrefsPane::*action)()) {
+        auto* button = new QPushButton(localized(key), view);
+        connect(button, &QPushButton::clicked, this, action);
+        top->addWidget(button);
+        return button;
+    };
+    addButton("Help", &ComKestrovaCorvalis_PrefsPane::onHelp)->setShortcut(QKeySequence::HelpContents);
+    auto* more = new QToolButton(view);
+    more->setText(localized("MoreButton"));
+    more->setAccessibleName(localized("MoreButton"));
+    more->setPopupMode(QToolButton::InstantPopup);
+    moreMenu_ = new QMenu(more);
+    moreMenu_->addAction(localized("About"), this, &ComKestrovaCorvalis_PrefsPane::onAbout);
+    moreMenu_->addSeparator();
+    moreMenu_->addAction(localized("KestrovaWebSite"), this, &ComKestrovaCorvalis_PrefsPane::onKestrovaWebSite);
+    moreMenu_->addAction(localized("EmailSupport"), this, &ComKestrovaCorvalis_PrefsPane::onEmailSupport);
+    more->setMenu(moreMenu_);
+    top->addWidget(more);
+    layout->addLayout(top);
+
+    tabs_ = new QTabWidget(view);
+    for (const char* identifier : kTabIdentifiers) {
+        auto* page = new QWidget(tabs_);
+        page->setObjectName(identifier);
+        tabs_->addTab(page, localized(identifier));
+    }
+    layout->addWidget(tabs_, 1);
+    connect(onOffSwitch_, &KVSwitchControl::clicked, this, &ComKestrovaCorvalis_PrefsPane::onTurnOn);
+    return view;
+}
+
+void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
+    firstUse_ = prefs_->loadPreferences();
+    onOffSwitch_->setControlSize(KVSwitchControl::ControlSize::Small);
+    onOffSwitch_->setChecked(prefs_->boolForKey(keys::TurnOnCorvalis));
+    showSwitchState();
+
+    for (auto it = _paneControllers.begin(); it != _paneControllers.end(); ++it)
+        if (it.value()) it.value()->initializePane(true);
+    if (!KVOperatingSystem::is10_7orLater()) {
+        for (int i = 0; i < tabs_->count(); ++i)
+            if (tabs_->widget(i)->objectName() == "Resume") tabs_->removeTab(i);
+    }
+    if (firstUse_) QTimer::singleShot(kWelcomeDelayMs, this, &ComKestrovaCorvalis_PrefsPane::_showWelcome);
+    connect(tabs_, &QTabWidget::currentChanged, this, &ComKestrovaCorvalis_PrefsPane::tabChanged);
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &ComKestrovaCorvalis_PrefsPane::applicationWillTerminate);
+}
+
+PaneController* ComKestrovaCorvalis_PrefsPane::controllerForTab(int index) const {
+    if (index < 0 || index >= tabs_->count()) return nullptr;
+    return _paneControllers.value(tabs_->widget(index)->objectName(), nullptr);
+}
+
+void ComKestrovaCorvalis_PrefsPane::willSelect() {
+    controllerManager_->_turnCorvalisControllerOnOrOff();
+    if (PaneController* controller = controllerForTab(tabs_->currentIndex())) controller->willShowPane();
+    shownTab_ = tabs_->currentIndex();
+    _closeCorvalis = true;
+}
+
+void ComKestrovaCorvalis_PrefsPane::didSelect() {}
+
+QDialog* ComKestrovaCorvalis_PrefsPane::attachedSheet() const {
+    for (QDialog* dialog : window_->findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly))
+        if (dialog->isVisible() && dialog->windowModality() != Qt::NonModal) return dialog;
+    return nullptr;
+}
+
+PreferencePane::UnselectReply ComKestrovaCorvalis_PrefsPane::shouldUnselect() {
+    return attachedSheet() ? UnselectReply::Cancel : UnselectReply::Now;
+}
+
+void ComKestrovaCorvalis_PrefsPane::willUnselect() {}
+
+void ComKestrovaCorvalis_PrefsPane::didUnselect() {
+    prefs_->saveToDefaults();
+    controllerManager_->_turnCorvalisControllerOn();
+    _closeCorvalis = false;
+}
+
+void ComKestrovaCorvalis_PrefsPane::applicationWillTerminate() {
+    if (!_closeCorvalis) return;
+    prefs_->saveToDefaults();
+    controllerManager_->_turnCorvalisControllerOn();
+}
+
+void ComKestrovaCorvalis_PrefsPane::tabChanged(int index) {
+    if (PaneController* leaving = controllerForTab(shownTab_)) leaving->willHidePane();
+    if (PaneController* showing = controllerForTab(index)) showing->willShowPane();
+    shownTab_ = index;
+}
+
+void ComKestrovaCorvalis_PrefsPane::showSwitchState() {
+    switchLabel_->setText(localized(onOffSwitch_->isChecked() ? "CorvalisIsOn" : "CorvalisIsOff"));
+}
+
+void ComKestrovaCorvalis_PrefsPane::onTurnOn() {
+    // Quitting waits for the controller to be gone, which may take a moment.
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    TurnOnReport report = controllerManager_->onTurnOn();
+    QApplication::restoreOverrideCursor();
+    showSwitchState();
+    if (report.quit == QuitOutcome::StillRunning) askToForceQuit();
+}
+
+void ComKestrovaCorvalis_PrefsPane::askToForceQuit() {
+    auto* alert = new QMessageBox(QMessageBox::Warning, localized("ControllerDoesNotQuit"),
+                                  localized("ControllerDoesNotQuit"), QMessageBox::NoButton, window_);
+    alert->setInformativeText(localized("ControllerDoesNotQuitInfo"));
+    QPushButton* force = alert->addButton(localized("ForceQuit"), QMessageBox::DestructiveRole);
+    alert->setDefaultButton(alert->addButton(localized("Wait"), QMessageBox::RejectRole));
+    alert->setWindowModality(Qt::WindowModal);
+    connect(alert, &QMessageBox::finished, this, [this, alert, force] {
+        if (alert->clickedButton() == force) controllerManager_->forceQuitController();
+        alert->deleteLater();
+    });
+    alert->open();
+}
+
+void ComKestrovaCorvalis_PrefsPane::onHelp() {
+    if (!QDesktopServices::openUrl(QUrl(localized("HelpURL")))) QApplication::beep();
+}
+
+void ComKestrovaCorvalis_PrefsPane::onKestrovaWebSite() {
+    if (!QDesktopServices::openUrl(QUrl(localized("WebSiteURL")))) QApplication::beep();
+}
+
+void ComKestrovaCorvalis_PrefsPane::onEmailSupport() {
+    if (!QDesktopServices::openUrl(QUrl(localized("SupportMail")))) QApplication::beep();
+}
+
+QDialog* ComKestrovaCorvalis_PrefsPane::makeWelcomeSheet() {
+    auto* sheet = new QDialog(window_);
+    sheet->setWindowModality(Qt::WindowModal);
+    sheet->setWindowTitle(localized("WelcomeTitle"));
+    auto* layout = new QVBoxLayout(sheet);
+    auto* title = new QLabel(QString("<h2>%1</h2>").arg(localized("WelcomeTitle").toHtmlEscaped()), sheet);
+    auto* body = new QLabel(localized("WelcomeText"), sheet);
+    body->setWordWrap(true);
+    body->setMinimumWidth(380);
+    layout->addWidget(title);
+    layout->addWidget(body);
+    auto* buttons = new QDialogButtonBox(sheet);
+    QPushButton* learnMore = buttons->addButton(localized("LearnMore"), QDialogButtonBox::HelpRole);
+    QPushButton* close = buttons->addButton(localized("Continue"), QDialogButtonBox::AcceptRole);
+    close->setDefault(true);
+    // Learn More ends the sheet with 0, Continue with 1. Escape also ends it with 0, so the
+    // page opens only when the button was the way out.
+    auto learnMoreChosen = std::make_shared<bool>(false);
+    connect(close, &QPushButton::clicked, sheet, [sheet] { sheet->done(1); });
+    connect(learnMore, &QPushButton::clicked, sheet, [sheet, learnMoreChosen] {
+        *learnMoreChosen = true;
+        sheet->done(0);
+    });
+    connect(sheet, &QDialog::finished, sheet, [sheet, learnMoreChosen](int code) {
+        if (code == 0 && *learnMoreChosen) QDesktopServices::openUrl(QUrl(localized("LearnMoreURL")));
+        sheet->deleteLater();
+    });
+    layout->addWidget(buttons);
+    return sheet;
+}
+
+void ComKestrovaCorvalis_PrefsPane::_showWelcome() {
+    if (welcomeSheet_) return;
+    welcomeSheet_ = makeWelcomeSheet();
+    welcomeSheet_->open();
+}
+
+QDialog* ComKestrovaCorvalis_PrefsPane::makeAboutSheet() {
+    auto* sheet = new QDialog(window_);
+    sheet->setWindowModality(Qt::WindowModal);
+    sheet->setWindowTitle(localized("About"));
+    auto* layout = new QVBoxLayout(sheet);
+    auto* icon = new QLabel(sheet);
+    icon->setPixmap(KVIconServices::applicationIcon().pixmap(64, 64));
+    icon->setAlignment(Qt::AlignHCenter);
+    auto* version = new QLabel(QString("<b>%1 %2</b>").arg(localized("CFBundleName"), QString::fromUtf8(kPaneVersion)), sheet);
+    version->setAlignment(Qt::AlignHCenter);
+    auto* copyright = new QLabel(localized("Copyright"), sheet);
+    copyright->setAlignment(Qt::AlignHCenter);
+    auto* about = new QLabel(localized("AboutText"), sheet);
+    about->setWordWrap(true);
+    about->setMinimumWidth(340);
+    for (QWidget* part : {static_cast<QWidget*>(icon), static_cast<QWidget*>(version), static_cast<QWidget*>(copyright),
+                          static_cast<QWidget*>(about)})
+        layout->addWidget(part);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, sheet);
+    connect(buttons, &QDialogButtonBox::accepted, sheet, &QDialog::accept);
+    connect(sheet, &QDialog::finished, sheet, &QObject::deleteLater);
+    layout->addWidget(buttons);
+    return sheet;
+}
+
+void ComKestrovaCorvalis_PrefsPane::onAbout() {
+    if (aboutSheet_) return;
+    aboutSheet_ = makeAboutSheet();
+    aboutSheet_->open();
+}
+
+QStringList ComKestrovaCorvalis_PrefsPane::screenshotViews() const {
+    QStringList views;
+    for (int i = 0; i < tabs_->count(); ++i) views << "tab-" + tabs_->widget(i)->objectName();
+    views << "sheet-welcome" << "sheet-about";
+    return views;
+}
+
+bool ComKestrovaCorvalis_PrefsPane::showScreenshotView(const QString& name) {
+    if (QDialog* sheet = attachedSheet()) sheet->done(QDialog::Rejected);
+    if (name.startsWith("tab-")) {
+        for (int i = 0; i < tabs_->count(); ++i)
+            if ("tab-" + tabs_->widget(i)->objectName() == name) {
+                tabs_->setCurrentIndex(i);
+                return true;
+            }
+        return false;
+    }
+    if (name == "sheet-welcome") _showWelcome();
+    else if (name == "sheet-about") onAbout();
+    else return false;
+    return true;
+}
+
+}  // namespace corvalis
