@@ -37,7 +37,11 @@ bool isApplicationBundle(const std::string& path) {
 
 std::optional<plist::Dictionary> bundleInfoDictionary(const std::string& bundlePath) {
     if (!isApplicationBundle(bundlePath)) return std::nullopt;
-    fs::path file = fs::path(bundlePath) / "Contents" / "Info.plist";
+    return readInfoPlist(bundlePath);
+}
+
+std::optional<plist::Dictionary> readInfoPlist(const std::string& packagePath) {
+    fs::path file = fs::path(packagePath) / "Contents" / "Info.plist";
     std::error_code error;
     std::uintmax_t size = fs::file_size(file, error);
     if (error || size > kMaxInfoPlistBytes) return std::nullopt;

@@ -15,6 +15,8 @@ bool isApplicationBundle(const std::string& path);
 
 // The bundle's Contents/Info.plist as a dictionary; none when missing or unreadable.
 std::optional<plist::Dictionary> bundleInfoDictionary(const std::string& bundlePath);
+// Any package's Contents/Info.plist as a dictionary; none when missing, too large or unreadable.
+std::optional<plist::Dictionary> readInfoPlist(const std::string& packagePath);
 
 // The program to run for `path`: Contents/MacOS/<CFBundleExecutable> of a bundle
 // (the bundle's name without ".app" when the key is missing), or `path` itself

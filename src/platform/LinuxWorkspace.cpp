@@ -9,6 +9,7 @@
 #include <set>
 #include <utility>
 
+#include "platform/ApplicationBundle.h"
 #include "platform/DesktopEntry.h"
 #include "plist/PlistIO.h"
 
@@ -17,9 +18,6 @@ namespace corvalis {
 namespace fs = std::filesystem;
 
 namespace {
-
-// Info.plist files are small; anything larger is not one.
-constexpr std::uintmax_t kMaxInfoPlistBytes = 1024 * 1024;
 
 bool isDirectory(const std::string& path) {
     struct stat info {};
@@ -111,17 +109,9 @@ std::optional<plist::Dictionary> LinuxWorkspace::infoDictionaryForBundle(const s
         return info;
     }
     if (!hasPackageExtension(path) || !isDirectory(path)) return std::nullopt;
-    fs::path file = fs::path(path) / "Contents" / "Info.plist";
     std::error_code error;
-    if (!fs::exists(file, error)) return plist::Dictionary();  // a package that declares nothing
-    std::uintmax_t size = fs::file_size(file, error);
-    if (error || size > kMaxInfoPlistBytes) return std::nullopt;
-    std::ifstream in(file, std::ios::binary);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    if (!in.read(bytes.data(), static_cast<std::streamsize>(size))) return std::nullopt;
-    plist::ParseResult parsed = plist::parse(std::string_view(bytes));
-    if (!parsed.ok()) return std::nullopt;
-    return plist::asDictionary(parsed.value);
+    if (!fs::exists(fs::path(path) / "Contents" / "Info.plist", error)) return plist::Dictionary();  // declares nothing
+    return readInfoPlist(path);
 }
 
 }  // namespace corvalis
