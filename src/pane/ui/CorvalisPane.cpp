@@ -7,7 +7,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QToolButton>
 #include <QTabWidget>
@@ -21,6 +20,9 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
+#include "pane/ui/BackupSheets.h"
+#include "pane/ui/ControllerAlerts.h"
+#include "pane/ui/SoftwareUpdateSheet.h"
 #include "platform/FileDomainStore.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/LinuxProcesses.h"
@@ -58,6 +60,9 @@ ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QO
     loginItems_ = std::make_unique<XdgAutostartLoginItems>();
     switchView_ = std::make_unique<PaneSwitchView>(*this);
     controllerManager_ = std::make_unique<ControllerManager>(*prefs_, *processes_, *loginItems_, *switchView_);
+    updates_ = std::make_unique<SoftwareUpdateSheet>(*prefs_, *distributed_, window_);
+    backup_ = std::make_unique<BackupSheets>(
+        *prefs_, *controllerManager_, window_, [this] { reloadPane(); }, [this](QString& report) { collectReport(report); });
 }
 
 ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() = default;
@@ -95,6 +100,10 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     more->setPopupMode(QToolButton::InstantPopup);
     moreMenu_ = new QMenu(more);
     moreMenu_->addAction(localized("About"), this, &ComKestrovaCorvalis_PrefsPane::onAbout);
+    moreMenu_->addAction(localized("SoftwareUpdate") + "…", this, &ComKestrovaCorvalis_PrefsPane::onSoftwareUpdate);
+    moreMenu_->addSeparator();
+    moreMenu_->addAction(localized("BackUpSettings") + "…", this, &ComKestrovaCorvalis_PrefsPane::onBackUpSettings);
+    moreMenu_->addAction(localized("ImportFromBackup") + "…", this, &ComKestrovaCorvalis_PrefsPane::onImportFromBackup);
     moreMenu_->addSeparator();
     moreMenu_->addAction(localized("KestrovaWebSite"), this, &ComKestrovaCorvalis_PrefsPane::onKestrovaWebSite);
     moreMenu_->addAction(localized("EmailSupport"), this, &ComKestrovaCorvalis_PrefsPane::onEmailSupport);
@@ -125,6 +134,7 @@ void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
         for (int i = 0; i < tabs_->count(); ++i)
             if (tabs_->widget(i)->objectName() == "Resume") tabs_->removeTab(i);
     }
+    updates_->controller().initializeSoftwareUpdate(true);
     if (firstUse_) QTimer::singleShot(kWelcomeDelayMs, this, &ComKestrovaCorvalis_PrefsPane::_showWelcome);
     connect(tabs_, &QTabWidget::currentChanged, this, &ComKestrovaCorvalis_PrefsPane::tabChanged);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ComKestrovaCorvalis_PrefsPane::applicationWillTerminate);
@@ -188,17 +198,27 @@ void ComKestrovaCorvalis_PrefsPane::onTurnOn() {
 }
 
 void ComKestrovaCorvalis_PrefsPane::askToForceQuit() {
-    auto* alert = new QMessageBox(QMessageBox::Warning, localized("ControllerDoesNotQuit"),
-                                  localized("ControllerDoesNotQuit"), QMessageBox::NoButton, window_);
-    alert->setInformativeText(localized("ControllerDoesNotQuitInfo"));
-    QPushButton* force = alert->addButton(localized("ForceQuit"), QMessageBox::DestructiveRole);
-    alert->setDefaultButton(alert->addButton(localized("Wait"), QMessageBox::RejectRole));
-    alert->setWindowModality(Qt::WindowModal);
-    connect(alert, &QMessageBox::finished, this, [this, alert, force] {
-        if (alert->clickedButton() == force) controllerManager_->forceQuitController();
-        alert->deleteLater();
+    askAboutControllerThatDoesNotQuit(window_, [this](bool forced) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        QuitOutcome outcome = forced ? controllerManager_->forceQuitController() : controllerManager_->_quitController();
+        QApplication::restoreOverrideCursor();
+        if (outcome == QuitOutcome::StillRunning) askToForceQuit();
     });
-    alert->open();
+}
+
+void ComKestrovaCorvalis_PrefsPane::onSoftwareUpdate() { updates_->controller().showSoftwareUpdateSheet(); }
+void ComKestrovaCorvalis_PrefsPane::onBackUpSettings() { backup_->onBackUpSettings(); }
+void ComKestrovaCorvalis_PrefsPane::onImportFromBackup() { backup_->onImportFromBackup(); }
+
+void ComKestrovaCorvalis_PrefsPane::reloadPane() {
+    for (PaneController* controller : _paneControllers)
+        if (controller) controller->initializePane(false);
+    updates_->controller().initializeSoftwareUpdate(false);
+}
+
+void ComKestrovaCorvalis_PrefsPane::collectReport(QString& report) {
+    for (PaneController* controller : _paneControllers)
+        if (controller) controller->updatePane(report);
 }
 
 void ComKestrovaCorvalis_PrefsPane::onHelp() {
@@ -284,7 +304,7 @@ void ComKestrovaCorvalis_PrefsPane::onAbout() {
 QStringList ComKestrovaCorvalis_PrefsPane::screenshotViews() const {
     QStringList views;
     for (int i = 0; i < tabs_->count(); ++i) views << "tab-" + tabs_->widget(i)->objectName();
-    views << "sheet-welcome" << "sheet-about";
+    views << "sheet-welcome" << "sheet-about" << "sheet-software-update" << "panel-back-up";
     return views;
 }
 
@@ -300,6 +320,8 @@ bool ComKestrovaCorvalis_PrefsPane::showScreenshotView(const QString& name) {
     }
     if (name == "sheet-welcome") _showWelcome();
     else if (name == "sheet-about") onAbout();
+    else if (name == "sheet-software-update") onSoftwareUpdate();
+    else if (name == "panel-back-up") onBackUpSettings();
     else return false;
     return true;
 }

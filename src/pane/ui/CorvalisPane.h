@@ -18,6 +18,7 @@ class QMenu;
 
 namespace corvalis {
 
+class BackupSheets;
 class ControllerManager;
 class CorvalisPreferences;
 class DBusNotificationCenter;
@@ -25,6 +26,7 @@ class FileDomainStore;
 class KVSwitchControl;
 class LinuxProcesses;
 class PaneSwitchView;
+class SoftwareUpdateSheet;
 class XdgAutostartLoginItems;
 
 class ComKestrovaCorvalis_PrefsPane : public QObject, public PreferencePane {
@@ -47,6 +49,8 @@ public:
 
     CorvalisPreferences& prefs() { return *prefs_; }
     ControllerManager& controllerManager() { return *controllerManager_; }
+    BackupSheets& backupSheets() { return *backup_; }
+    SoftwareUpdateSheet& softwareUpdate() { return *updates_; }
     QTabWidget* tabs() const { return tabs_; }
     KVSwitchControl* onOffSwitch() const { return onOffSwitch_; }
     // The sheet shown over the window, if any.
@@ -56,6 +60,9 @@ public slots:
     void onTurnOn();
     void onAbout();
     void onHelp();
+    void onSoftwareUpdate();
+    void onBackUpSettings();
+    void onImportFromBackup();
     void onKestrovaWebSite();
     void onEmailSupport();
     void applicationWillTerminate();
@@ -70,8 +77,11 @@ private:
     QDialog* makeAboutSheet();
     PaneController* controllerForTab(int index) const;
     void showSwitchState();
-    // A controller that did not quit when asked: the user may end it or let it be.
+    // A controller that did not quit when asked: the user may end it or wait longer.
     void askToForceQuit();
+    // After an import: the tabs show the imported settings, then tell what they had to change.
+    void reloadPane();
+    void collectReport(QString& report);
 
     QWidget* window_;
     QWidget* view_ = nullptr;
@@ -89,6 +99,8 @@ private:
     std::unique_ptr<XdgAutostartLoginItems> loginItems_;
     std::unique_ptr<PaneSwitchView> switchView_;
     std::unique_ptr<ControllerManager> controllerManager_;
+    std::unique_ptr<SoftwareUpdateSheet> updates_;
+    std::unique_ptr<BackupSheets> backup_;
     QMap<QString, PaneController*> _paneControllers;
     int shownTab_ = -1;
     bool _closeCorvalis = false;
