@@ -5,6 +5,7 @@
 #include <QIcon>
 #include <QTextStream>
 
+#include "app/settings/FirstFrameProbe.h"
 #include "app/settings/HostWindow.h"
 
 using namespace corvalis;
@@ -25,6 +26,8 @@ int main(int argc, char** argv) {
     QCommandLineOption screenshot("screenshot", "Show each tab and sheet in turn, write one PNG per view into DIR, and quit.",
                                   "DIR");
     options.addOption(screenshot);
+    QCommandLineOption firstFrame("first-frame", "Print the milliseconds from start to the first painted frame, and quit.");
+    options.addOption(firstFrame);
     options.process(app);
 
     QTextStream err(stderr);
@@ -35,6 +38,7 @@ int main(int argc, char** argv) {
         err << "corvalis-settings: the settings pane could not be loaded from " << plugin << ": " << error << "\n";
         return 1;
     }
+    if (options.isSet(firstFrame)) new FirstFrameProbe(&window);
     window.showAndSelect();
     if (options.isSet(screenshot)) {
         QString folder = options.value(screenshot);
