@@ -23,6 +23,8 @@ void settle(int milliseconds) {
     timer.start();
     while (timer.elapsed() < milliseconds) {
         QApplication::processEvents(QEventLoop::AllEvents, 20);
+        // Outside exec() nothing deletes what deleteLater() left, such as closed sheets.
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QThread::msleep(10);
     }
 }
@@ -74,6 +76,7 @@ void HostWindow::closeEvent(QCloseEvent* event) {
 int HostWindow::writeScreenshots(const QString& folder) {
     QDir().mkpath(folder);
     int written = 0;
+    settle(700);  // past the first-use welcome, so that it does not cover the first tabs
     for (const QString& view : pane_->screenshotViews()) {
         if (!pane_->showScreenshotView(view)) continue;
         settle(300);

@@ -265,7 +265,7 @@ QDialog* ComKestrovaCorvalis_PrefsPane::makeWelcomeSheet() {
 }
 
 void ComKestrovaCorvalis_PrefsPane::_showWelcome() {
-    if (welcomeSheet_) return;
+    if (welcomeSheet_ && welcomeSheet_->isVisible()) return;
     welcomeSheet_ = makeWelcomeSheet();
     welcomeSheet_->open();
 }
@@ -296,7 +296,7 @@ QDialog* ComKestrovaCorvalis_PrefsPane::makeAboutSheet() {
 }
 
 void ComKestrovaCorvalis_PrefsPane::onAbout() {
-    if (aboutSheet_) return;
+    if (aboutSheet_ && aboutSheet_->isVisible()) return;
     aboutSheet_ = makeAboutSheet();
     aboutSheet_->open();
 }
