@@ -18,6 +18,8 @@
 #include "controls/KVSwitchControl.h"
 #include "controls/LocalizedText.h"
 #include "fileutils/KVOperatingSystem.h"
+#include "keys/KVKeyCombinationValidator.h"
+#include "keys/ui/ShortcutsTab.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
 #include "pane/ui/BackupSheets.h"
@@ -26,6 +28,7 @@
 #include "platform/FileDomainStore.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/LinuxProcesses.h"
+#include "platform/linux/XkbKeyboardLayout.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/PaneVersion.h"
@@ -60,12 +63,14 @@ ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QO
     loginItems_ = std::make_unique<XdgAutostartLoginItems>();
     switchView_ = std::make_unique<PaneSwitchView>(*this);
     controllerManager_ = std::make_unique<ControllerManager>(*prefs_, *processes_, *loginItems_, *switchView_);
+    keyCombinationValidator_ = std::make_unique<KVKeyCombinationValidator>(*prefs_);
     updates_ = std::make_unique<SoftwareUpdateSheet>(*prefs_, *distributed_, window_);
     backup_ = std::make_unique<BackupSheets>(
         *prefs_, *controllerManager_, window_, [this] { reloadPane(); }, [this](QString& report) { collectReport(report); });
 }
 
-ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() = default;
+// The tab goes first: an open recording tells the controller to resume its hot keys.
+ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() { shortcutsController_.reset(); }
 
 QWidget* ComKestrovaCorvalis_PrefsPane::loadMainView() {
     if (view_) return view_;
@@ -118,6 +123,8 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
         tabs_->addTab(page, localized(identifier));
     }
     layout->addWidget(tabs_, 1);
+    shortcutsController_ = std::make_unique<ShortcutsTab>(*prefs_, *distributed_, tabs_->findChild<QWidget*>("Shortcuts"),
+                                                          window_, keyCombinationValidator_.get());
     connect(onOffSwitch_, &KVSwitchControl::clicked, this, &ComKestrovaCorvalis_PrefsPane::onTurnOn);
     return view;
 }
@@ -128,13 +135,15 @@ void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
     onOffSwitch_->setChecked(prefs_->boolForKey(keys::TurnOnCorvalis));
     showSwitchState();
 
-    for (auto it = _paneControllers.begin(); it != _paneControllers.end(); ++it)
-        if (it.value()) it.value()->initializePane(true);
+    useSystemKeyboardLayout();
+    keyCombinationValidator_->initializeHotKeys();
+    shortcutsController_->initializePane(true);
     if (!KVOperatingSystem::is10_7orLater()) {
         for (int i = 0; i < tabs_->count(); ++i)
             if (tabs_->widget(i)->objectName() == "Resume") tabs_->removeTab(i);
     }
     updates_->controller().initializeSoftwareUpdate(true);
+    _paneControllers = {{"Shortcuts", shortcutsController_.get()}};
     if (firstUse_) QTimer::singleShot(kWelcomeDelayMs, this, &ComKestrovaCorvalis_PrefsPane::_showWelcome);
     connect(tabs_, &QTabWidget::currentChanged, this, &ComKestrovaCorvalis_PrefsPane::tabChanged);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ComKestrovaCorvalis_PrefsPane::applicationWillTerminate);
@@ -211,6 +220,7 @@ void ComKestrovaCorvalis_PrefsPane::onBackUpSettings() { backup_->onBackUpSettin
 void ComKestrovaCorvalis_PrefsPane::onImportFromBackup() { backup_->onImportFromBackup(); }
 
 void ComKestrovaCorvalis_PrefsPane::reloadPane() {
+    keyCombinationValidator_->initializeHotKeys();
     for (PaneController* controller : _paneControllers)
         if (controller) controller->initializePane(false);
     updates_->controller().initializeSoftwareUpdate(false);

@@ -23,6 +23,8 @@ class ControllerManager;
 class CorvalisPreferences;
 class DBusNotificationCenter;
 class FileDomainStore;
+class KVKeyCombinationValidator;
+class ShortcutsTab;
 class KVSwitchControl;
 class LinuxProcesses;
 class PaneSwitchView;
@@ -99,7 +101,9 @@ private:
     std::unique_ptr<XdgAutostartLoginItems> loginItems_;
     std::unique_ptr<PaneSwitchView> switchView_;
     std::unique_ptr<ControllerManager> controllerManager_;
+    std::unique_ptr<KVKeyCombinationValidator> keyCombinationValidator_;
     std::unique_ptr<SoftwareUpdateSheet> updates_;
+    std::unique_ptr<ShortcutsTab> shortcutsController_;
     std::unique_ptr<BackupSheets> backup_;
     QMap<QString, PaneController*> _paneControllers;
     int shownTab_ = -1;
