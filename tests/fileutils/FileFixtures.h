@@ -1,7 +1,6 @@
 #pragma once
-// Real files for the path tests: bundles, desktop entries and scoped environment variables.
+// Real files for the path tests: bundles and desktop entries.
 
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -22,24 +21,5 @@ inline std::string makeDesktopEntry(const std::filesystem::path& path, const std
     writeFile(path, "[Desktop Entry]\n" + lines);
     return path.string();
 }
-
-// Sets (or with none, unsets) an environment variable for the life of the object.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const std::optional<std::string>& value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        set(name, value);
-    }
-    ~ScopedEnv() { set(name_, old_); }
-    ScopedEnv(const ScopedEnv&) = delete;
-    ScopedEnv& operator=(const ScopedEnv&) = delete;
-
-private:
-    static void set(const char* name, const std::optional<std::string>& value) {
-        value ? ::setenv(name, value->c_str(), 1) : ::unsetenv(name);
-    }
-    const char* name_;
-    std::optional<std::string> old_;
-};
 
 }  // namespace corvalis::test

@@ -142,22 +142,21 @@ TEST(PathResolution, PresentationOptionsOfBundlesAndDesktopEntries) {
     std::string daemon = makeDesktopEntry(dir / "d.desktop", "Type=Application\nNoDisplay=true\nX-Corvalis-BackgroundOnly=true\n");
     std::string plain = makeDesktopEntry(dir / "p.desktop", "Type=Application\nNoDisplay=maybe\n");
 
-    bool ui = true, background = true;
-    EXPECT_TRUE(CopyApplicationInfoDictionaryPresentationOptions(agent, &ui, &background));
-    EXPECT_TRUE(ui && background);
-    EXPECT_TRUE(CopyApplicationInfoDictionaryPresentationOptions(legacy, &ui, &background));
-    EXPECT_TRUE(ui);
-    EXPECT_FALSE(background);  // only the string "1" counts
+    // "found ui background", each flag preset to the opposite of what is expected.
+    auto options = [](const std::string& path, bool uiBefore, bool backgroundBefore) {
+        bool ui = uiBefore, background = backgroundBefore;
+        bool found = CopyApplicationInfoDictionaryPresentationOptions(path, &ui, &background);
+        return std::to_string(found) + std::to_string(ui) + std::to_string(background);
+    };
+    EXPECT_EQ(options(agent, false, false), "111");
+    EXPECT_EQ(options(legacy, false, true), "110");  // only the string "1" counts
+    EXPECT_EQ(options(daemon, false, false), "111");
+    EXPECT_EQ(options(plain, true, true), "100");
+    EXPECT_EQ(options(empty, true, true), "000");  // newest system
+    bool ui = true;
     EXPECT_TRUE(CopyApplicationInfoDictionaryPresentationOptions(shadowed, &ui, nullptr));
     EXPECT_FALSE(ui);
-    EXPECT_TRUE(CopyApplicationInfoDictionaryPresentationOptions(daemon, &ui, &background));
-    EXPECT_TRUE(ui && background);
-    EXPECT_TRUE(CopyApplicationInfoDictionaryPresentationOptions(plain, &ui, &background));
-    EXPECT_FALSE(ui || background);
-    ui = background = true;
-    EXPECT_FALSE(CopyApplicationInfoDictionaryPresentationOptions(empty, &ui, &background));  // newest system
-    EXPECT_FALSE(ui || background);
-    EXPECT_FALSE(CopyApplicationInfoDictionaryPresentationOptions("", &ui, &background));
+    EXPECT_FALSE(CopyApplicationInfoDictionaryPresentationOptions("", &ui, nullptr));
 }
 
 }  // namespace

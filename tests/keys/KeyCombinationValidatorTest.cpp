@@ -15,9 +15,7 @@ constexpr std::uint32_t kCommand = modifiers::Command;
 constexpr std::uint32_t kShiftControl = modifiers::Shift | modifiers::Control;
 
 Dictionary shortcut(std::uint16_t code, std::uint32_t mask, bool enabled = true) {
-    Dictionary record = KVKeyCombination(0, code, mask).dictionary();
-    record.set(keys::Enabled, enabled);
-    return record;
+    return test::shortcutRecord({0, code, mask}, enabled);
 }
 
 Dictionary group(const std::string& name, std::string id, std::optional<KVKeyCombination> combination,
@@ -30,20 +28,11 @@ Dictionary group(const std::string& name, std::string id, std::optional<KVKeyCom
                       {keys::KeyboardShortcut, record}};
 }
 
-class NoView : public ShortcutsView {
-public:
-    void reloadData() override {}
-    void deselectAll() override {}
-    void scrollRowToVisible(int) override {}
-    void beep() override {}
-    void showAlert(const std::string&, const std::string&, const std::string&) override {}
-};
-
 class Validator : public test::KeysTest {
 protected:
     test::ScopedLayout us{"us"};
     KVKeyCombinationValidator validator{prefs};
-    NoView view;
+    test::RecordingShortcutsView view;
     ComKestrovaShortcutsController shortcuts{prefs, validator, bus, view};
 
     // Hot keys on ⇧⌃A, ⇧⌃S, ⇧⌃D, ⇧⌃F; ⌘1 for "Quit All"; groups on ⌘2 (Action 0), ⌘3 (1) and ⌘4 (2).
@@ -135,23 +124,21 @@ TEST_F(Validator, RedrawsOnlyWhatALayoutChangeAsked) {
     validator.setHotKeysTable([&] { ++hotKeys; });
     validator.setKeyboardShortcutsTable([&] { ++commands; });
 
+    auto redrawn = [&] { return std::to_string(group) + std::to_string(hotKeys) + std::to_string(commands); };
     validator.updateHotKeys();
     validator.updateKeyboardShortcuts();
     validator.updateKeyboardShortcutForGroup(Dictionary());
-    EXPECT_EQ(group + hotKeys + commands, 0);  // the flags start clear
+    EXPECT_EQ(redrawn(), "000");  // the flags start clear
 
     validator.onKeyboardChanged();  // no group selected: its field is left alone
-    EXPECT_EQ(group, 0);
-    EXPECT_EQ(hotKeys, 1);
-    EXPECT_EQ(commands, 1);
+    EXPECT_EQ(redrawn(), "011");
     EXPECT_EQ(validator.hotKeysRefresh() + validator.keyboardShortcutsRefresh() + validator.groupShortcutRefresh(), 0);
     validator.updateHotKeys();
-    EXPECT_EQ(hotKeys, 1);
+    EXPECT_EQ(redrawn(), "011");
 
     selected = Dictionary{{keys::Name, "Work"}};
     validator.onKeyboardChanged();
-    EXPECT_EQ(group, 1);
-    EXPECT_EQ(hotKeys, 2);
+    EXPECT_EQ(redrawn(), "122");
 }
 
 namespace {
@@ -192,9 +179,9 @@ TEST_F(HotKeyConversion, OlderHotKeysFindTheirKeysInTheCurrentLayout) {
     const char* changeKeys[] = {changes::ChangeOpenMenuHotKey, changes::ChangeQuitMenuHotKey,
                                 changes::ChangeSwitchMenuHotKey, changes::ChangeSpecialMenuHotKey};
     for (std::size_t i = 0; i < 4; ++i) {
-        EXPECT_EQ(bus.posted()[i].name, notifications::CorvalisPaneChangedPrefs);
-        EXPECT_EQ(bus.posted()[i].object, notifications::PaneObject);
-        EXPECT_EQ(Value(*bus.posted()[i].userInfo), Value(Dictionary{{changeKeys[i], fr[i]}}));
+        const Notification& told = bus.posted()[i];
+        EXPECT_TRUE(told.name == notifications::CorvalisPaneChangedPrefs && told.object == notifications::PaneObject);
+        EXPECT_EQ(Value(*told.userInfo), Value(Dictionary{{changeKeys[i], fr[i]}}));
     }
     EXPECT_EQ(storedDomain()[keys::HotKeys], Value(fr));
 }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "keys/ComKestrovaShortcutsController.h"
+#include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationCenter.h"
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/linux/XkbKeyboardLayout.h"
@@ -35,6 +37,32 @@ inline plist::Dictionary hotKey(std::uint8_t character, std::uint32_t modifiers,
                              {keys::VirtualKeyCode, plist::Value::uint16(code)},
                              {keys::Position, plist::Value::int32(position)}};
 }
+
+// The factory hot keys as they are stored once read under "us": ⇧⌃O, ⇧⌃Q, ⇧⌃S and ⇧⌃E.
+inline plist::Array factoryHotKeys() {
+    return plist::Array{hotKey('o', 0x1200, 31), hotKey('q', 0x1200, 12, 1), hotKey('s', 0x1200, 1, 2),
+                        hotKey('e', 0x1200, 14, 3)};
+}
+
+// A command's stored record: its combination and whether it is on.
+inline plist::Dictionary shortcutRecord(const KVKeyCombination& combination, bool enabled) {
+    plist::Dictionary record = combination.dictionary();
+    record.set(keys::Enabled, enabled);
+    return record;
+}
+
+// The shortcuts table as calls, in order.
+class RecordingShortcutsView : public ShortcutsView {
+public:
+    std::vector<std::string> calls;
+    void reloadData() override { calls.push_back("reload"); }
+    void deselectAll() override { calls.push_back("deselect"); }
+    void scrollRowToVisible(int row) override { calls.push_back("scroll " + std::to_string(row)); }
+    void beep() override { calls.push_back("beep"); }
+    void showAlert(const std::string& title, const std::string& text, const std::string& button) override {
+        calls.push_back("alert " + title + " | " + text + " | " + button);
+    }
+};
 
 class KeysTest : public ::testing::Test {
 protected:

@@ -7,34 +7,17 @@
 
 using namespace corvalis;
 using namespace corvalis::plist;
-using test::hotKey;
+using test::shortcutRecord;
 
 namespace {
 
 constexpr std::uint32_t kCommand = modifiers::Command;
 
-class RecordingView : public ShortcutsView {
-public:
-    std::vector<std::string> calls;
-    void reloadData() override { calls.push_back("reload"); }
-    void deselectAll() override { calls.push_back("deselect"); }
-    void scrollRowToVisible(int row) override { calls.push_back("scroll " + std::to_string(row)); }
-    void beep() override { calls.push_back("beep"); }
-    void showAlert(const std::string& title, const std::string& text, const std::string& button) override {
-        calls.push_back("alert " + title + " | " + text + " | " + button);
-    }
-};
-
-Dictionary withEnabled(Dictionary record, bool enabled) {
-    record.set(keys::Enabled, enabled);
-    return record;
-}
-
 class Shortcuts : public test::KeysTest {
 protected:
     test::ScopedLayout us{"us"};
     KVKeyCombinationValidator validator{prefs};
-    RecordingView view;
+    test::RecordingShortcutsView view;
     ComKestrovaShortcutsController controller{prefs, validator, bus, view};
 
     Dictionary stored(const std::string& id) { return *(*storedDomain()[keys::KeyboardShortcuts].dictionary())[id].dictionary(); }
@@ -59,10 +42,9 @@ TEST_F(Shortcuts, EighteenCommandsInTheirOrder) {
 }
 
 TEST_F(Shortcuts, CommandsOnAHotKeyAreClearedWhenThePaneOpens) {
-    Dictionary taken = withEnabled(KVKeyCombination('o', 31, 0x1200).dictionary(), true);
-    Dictionary free = withEnabled(KVKeyCombination(0, 40, kCommand).dictionary(), true);
-    load(Dictionary{{keys::HotKeys, Array{hotKey('o', 0x1200, 31), hotKey('q', 0x1200, 12, 1),
-                                          hotKey('s', 0x1200, 1, 2), hotKey('e', 0x1200, 14, 3)}},
+    Dictionary taken = shortcutRecord(KVKeyCombination('o', 31, 0x1200), true);
+    Dictionary free = shortcutRecord(KVKeyCombination(0, 40, kCommand), true);
+    load(Dictionary{{keys::HotKeys, test::factoryHotKeys()},
                     {keys::KeyboardShortcuts, Dictionary{{"1009", taken}, {"1003", free}}}});
     controller.initializePane(true);
     EXPECT_EQ(Value(stored("1009")), Value(Dictionary{{keys::Enabled, false}}));
@@ -83,11 +65,11 @@ TEST_F(Shortcuts, CommandsOnAHotKeyAreClearedWhenThePaneOpens) {
 }
 
 TEST_F(Shortcuts, EditsStoreTheRecordAndTellTheController) {
-    load(Dictionary{{keys::KeyboardShortcuts, Dictionary{{"1001", withEnabled(KVKeyCombination(0, 40, kCommand).dictionary(), false)}}}});
+    load(Dictionary{{keys::KeyboardShortcuts, Dictionary{{"1001", shortcutRecord(KVKeyCombination(0, 40, kCommand), false)}}}});
     controller.initializePane(true);
 
     controller.setEnabled(true, 1);  // row 1 is "1001"
-    EXPECT_EQ(Value(stored("1001")), Value(withEnabled(KVKeyCombination(0, 40, kCommand).dictionary(), true)));
+    EXPECT_EQ(Value(stored("1001")), Value(shortcutRecord(KVKeyCombination(0, 40, kCommand), true)));
     EXPECT_EQ(Value(*only().userInfo),
               Value(Dictionary{{changes::ChangeKeyboardShortcutEnabled, Dictionary{{keys::CommandId, "1001"}, {keys::Enabled, true}}}}));
     EXPECT_EQ(only().name, notifications::CorvalisPaneChangedShortcuts);
@@ -98,7 +80,7 @@ TEST_F(Shortcuts, EditsStoreTheRecordAndTellTheController) {
 
     bus.clearPosted();
     controller.setKeyCombination(KVKeyCombination(0, 0x12, modifiers::Option), 3);  // "1017"
-    Dictionary expected = withEnabled(KVKeyCombination(0, 0x12, modifiers::Option).dictionary(), false);
+    Dictionary expected = shortcutRecord(KVKeyCombination(0, 0x12, modifiers::Option), false);
     EXPECT_EQ(Value(stored("1017")), Value(expected));
     EXPECT_EQ(Value(*only().userInfo),
               Value(Dictionary{{changes::ChangeKeyboardShortcut, Dictionary{{keys::CommandId, "1017"}, {keys::KeyCombination, expected}}}}));
@@ -124,7 +106,7 @@ public:
 }  // namespace
 
 TEST_F(Shortcuts, RecordingPausesTheHotKeysAndRefusalsAreShown) {
-    load(Dictionary{{keys::KeyboardShortcuts, Dictionary{{"1002", withEnabled(KVKeyCombination(0, 40, kCommand).dictionary(), true)}}}});
+    load(Dictionary{{keys::KeyboardShortcuts, Dictionary{{"1002", shortcutRecord(KVKeyCombination(0, 40, kCommand), true)}}}});
     int table = 0;
     controller.setTable(&table);
     controller.initializePane(true);
@@ -136,19 +118,15 @@ TEST_F(Shortcuts, RecordingPausesTheHotKeysAndRefusalsAreShown) {
     field.keyDown(KeyEvent{37 + 8, eventflags::Command, U"k"});  // ⌘K belongs to "Quit All"
     field.resignFirstResponder();
 
+    // The tab's test sees the names and the alert; here, the payloads and the beep before the alert.
     ASSERT_EQ(bus.posted().size(), 2u);
-    for (std::size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(bus.posted()[i].name, i == 0 ? notifications::SuspendHotKeys : notifications::ResumeHotKeys);
-        EXPECT_EQ(bus.posted()[i].object, notifications::PaneObject);
-        EXPECT_FALSE(bus.posted()[i].userInfo);
-    }
+    for (const Notification& posted : bus.posted())
+        EXPECT_TRUE(posted.object == notifications::PaneObject && !posted.userInfo) << posted.name;
     EXPECT_FALSE(field.objectValue());
     EXPECT_EQ(host.focused, &table);
-    std::string message = LocalizedFormat(keystrings::KeyCombinationExistsAlready5,
-                                          {"⌘K", LocalizedString(keystrings::QuitAllCommand)});
-    EXPECT_EQ(view.calls, (std::vector<std::string>{"beep", "alert " + message + " | " +
-                                                                LocalizedString(keystrings::ChooseAnotherCombination) +
-                                                                " | OK"}));
+    ASSERT_EQ(view.calls.size(), 2u);
+    EXPECT_EQ(view.calls[0], "beep");
+    EXPECT_TRUE(view.calls[1].ends_with(" | " + LocalizedString(keystrings::ChooseAnotherCombination) + " | OK"));
 }
 
 TEST_F(Shortcuts, GreyOnlyForADisabledRowNotBeingWorkedOn) {

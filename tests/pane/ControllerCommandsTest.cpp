@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include "pane/ControllerTestSupport.h"
+#include "support/IntegrationSupport.h"
 
 using namespace corvalis;
 using namespace corvalis::test;
@@ -13,36 +11,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct ToolRun {
-    int status;
-    std::string output;  // standard output and error together
-};
+using ToolRun = CommandRun;
 
 class ControllerCommandsTest : public ::testing::Test {
 protected:
     ToolRun prefs(const std::string& arguments, const std::string& controller = "") {
-        std::string command = "CORVALIS_CONTROLLER=" + shellQuoted(controller.empty() ? bundle.string() : controller) +
-                              " XDG_CONFIG_HOME=" + shellQuoted((tmp / "config").string()) + " " +
-                              shellQuoted(CORVALIS_PREFS_TOOL) + " --domain-dir " + shellQuoted((tmp / "prefs").string()) +
-                              " " + arguments + " 2>&1";
-        ToolRun run{-1, ""};
-        FILE* pipe = ::popen(command.c_str(), "r");
-        char buffer[512];
-        while (pipe && std::fgets(buffer, sizeof buffer, pipe)) run.output += buffer;
-        if (pipe) run.status = WEXITSTATUS(::pclose(pipe));
-        return run;
+        return runCommand("CORVALIS_CONTROLLER=" + shellQuoted(controller.empty() ? bundle.string() : controller) +
+                          " XDG_CONFIG_HOME=" + shellQuoted((tmp / "config").string()) + " " +
+                          shellQuoted(CORVALIS_PREFS_TOOL) + " --domain-dir " + shellQuoted((tmp / "prefs").string()) +
+                          " " + arguments);
     }
     bool contains(const ToolRun& run, const std::string& text) { return run.output.find(text) != std::string::npos; }
-
-    void TearDown() override {
-        for (const plist::Value& event : controllerRecord(record))
-            if (auto pid = (*event.dictionary())["Pid"].longLongValue()) ::kill(static_cast<pid_t>(*pid), SIGKILL);
-    }
+    void TearDown() override { killRecordedControllers(record); }
 
     TempDir tmp;
     fs::path record = tmp / "record.plist";
-    fs::path bundle = makeBundle(tmp / "controllers", "Corvalis", "com.kestrova.Corvalis.Controller",
-                                 "exec " + shellQuoted(CORVALIS_TEST_CONTROLLER) + " --record " + shellQuoted(record.string()));
+    fs::path bundle = recordingControllerBundle(tmp / "controllers", record);
 };
 
 TEST_F(ControllerCommandsTest, TurnOnStatusAndTurnOffTellWhatHappened) {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "pane/ControllerTestSupport.h"
+#include "support/IntegrationSupport.h"
 
 using namespace corvalis;
 using namespace corvalis::test;
@@ -77,13 +77,9 @@ TEST_F(LoginItemsTest, SnapshotReadsOtherProgramsEntriesAsTheSessionDoes) {
     EXPECT_FALSE((*list)[3].resolves);
 }
 
-TEST(DesktopEntryText, ExecLinesCarryAnyPrintableProgramPath) {
+// Awkward program paths are carried through real entries above; here, what no entry of ours holds.
+TEST(DesktopEntryText, ExecLinesOfOtherPrograms) {
     using namespace desktop_entry;
-    for (std::string program : {"/a b/c", "/q\"d$e`f\\g", "/100%/x", "/tab-free/ünï"}) {
-        auto exec = execLine(program);
-        ASSERT_TRUE(exec);
-        EXPECT_EQ(programOfExec(unescapeValue(escapeValue(*exec))), program) << *exec;
-    }
     EXPECT_FALSE(execLine("/new\nline"));
     EXPECT_EQ(programOfExec("firefox %u"), "firefox");
     EXPECT_EQ(programOfExec("  /usr/bin/env FOO=1 x"), "/usr/bin/env");

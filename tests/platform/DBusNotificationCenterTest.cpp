@@ -1,9 +1,6 @@
 #include "platform/linux/DBusNotificationCenter.h"
 
-#include <QCoreApplication>
 #include <QDBusMessage>
-#include <QDeadlineTimer>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -12,33 +9,17 @@
 
 #include "platform/linux/BusProtocol.h"
 #include "plist/PlistIO.h"
+#include "support/IntegrationSupport.h"
 
 using namespace corvalis;
+using corvalis::test::application, corvalis::test::waitUntil;
 using plist::Array, plist::Data, plist::Dictionary, plist::Value;
 
 namespace {
 
-QCoreApplication& application() {
-    static int argc = 1;
-    static char name[] = "corvalis-tests-platform";
-    static char* argv[] = {name, nullptr};
-    static auto* app = new QCoreApplication(argc, argv);  // lives until exit, after QtDBus is done with it
-    return *app;
-}
-
 QDBusConnection newConnection() {
     static int count = 0;
     return QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("test-%1").arg(++count));
-}
-
-// Runs the event loop until `done` holds, for at most five seconds.
-bool waitUntil(const std::function<bool()>& done) {
-    QTimer tick;
-    tick.start(20);
-    for (QDeadlineTimer deadline(5000); !done();)
-        if (deadline.hasExpired()) return false;
-        else QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    return true;
 }
 
 class DBusNotificationCenterTest : public ::testing::Test {

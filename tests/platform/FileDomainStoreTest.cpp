@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -39,6 +41,36 @@ TEST(FileDomainStore, WritesBinaryReadsBothAndReplacesWholeDomains) {
     EXPECT_FALSE(fs::exists(store.pathForDomain("com.example.app")));
     // No temporary files are left behind.
     EXPECT_EQ(std::distance(fs::directory_iterator(store.folder()), fs::directory_iterator()), 1);
+}
+
+TEST(FileDomainStore, WritingBackWhatWasReadLeavesTheFileAlone) {
+    test::TempDir dir;
+    FileDomainStore writer(dir.path());
+    writer.setPersistentDomain(Dictionary{{"A", Value::int32(1)}}, "com.example.app");
+    ASSERT_TRUE(writer.synchronize("com.example.app"));
+    fs::path file = writer.pathForDomain("com.example.app");
+    auto inode = [&] {
+        struct stat info {};
+        return ::stat(file.c_str(), &info) == 0 ? info.st_ino : 0;
+    };
+
+    FileDomainStore store(dir.path());
+    Dictionary read = *store.persistentDomainForName("com.example.app");
+    auto before = inode();
+    store.setPersistentDomain(read, "com.example.app");
+    ASSERT_TRUE(store.synchronize("com.example.app"));
+    EXPECT_EQ(inode(), before);  // not replaced
+
+    // The same value again after someone else rewrote the file is written, as is a change.
+    writer.setPersistentDomain(Dictionary{{"A", Value::int64(1)}}, "com.example.app");  // another width
+    ASSERT_TRUE(writer.synchronize("com.example.app"));
+    store.setPersistentDomain(read, "com.example.app");
+    ASSERT_TRUE(store.synchronize("com.example.app"));
+    EXPECT_EQ(FileDomainStore(dir.path()).persistentDomainForName("com.example.app"), read);
+    read.set("B", true);  // the working copy the reader was given is its own
+    store.setPersistentDomain(read, "com.example.app");
+    ASSERT_TRUE(store.synchronize("com.example.app"));
+    EXPECT_EQ(FileDomainStore(dir.path()).persistentDomainForName("com.example.app"), read);
 }
 
 TEST(FileDomainStore, UnreadableFilesAreMovedAsideNeverOverwritten) {

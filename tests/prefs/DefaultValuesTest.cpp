@@ -26,45 +26,24 @@ TEST(DefaultValues, BuiltOnceWhateverTheScreenDoesLater) {
     EXPECT_EQ(first.size(), 110u);
 }
 
-TEST(DefaultValues, TypesAndWidthsAreThoseTheControllerReads) {
+// The values themselves are checked on a fresh domain by the command-line test; these are the
+// widths the controller reads, which a file does not keep.
+TEST(DefaultValues, WidthsAreThoseTheControllerReads) {
     const Dictionary& d = defaultValues();
-    EXPECT_EQ(d[keys::TurnOnCorvalis].toBool(), false);
     EXPECT_EQ(widthOf(d[keys::CheckForUpdatesResult]), IntWidth::Int32);
-    EXPECT_EQ(d[keys::CheckForUpdatesResult].intValue(), -5);
     EXPECT_TRUE(d[keys::PanelCoordinate].real()->is32Bit);
-    EXPECT_EQ(*d[keys::QuickCopyPathCommand].string(), "1666215027");
     EXPECT_EQ(*d[keys::LastCopyPathCommand].string(), "1666207832");
-    EXPECT_EQ(*d[keys::AddApplicationPath].string(), "/Applications");
-
-    Array hotKeys = *d[keys::HotKeys].array();
-    ASSERT_EQ(hotKeys.size(), 4u);
-    const int characters[] = {'o', 'q', 's', 'e'};
-    for (std::size_t i = 0; i < 4; ++i) {
-        Dictionary hotKey = *hotKeys[i].dictionary();
-        EXPECT_EQ(hotKey.size(), 4u);
-        EXPECT_EQ(widthOf(hotKey[keys::Character]), IntWidth::UInt8);
-        EXPECT_EQ(hotKey[keys::Character].intValue(), characters[i]);
-        EXPECT_EQ(widthOf(hotKey[keys::Modifiers]), IntWidth::UInt32);
-        EXPECT_EQ(hotKey[keys::Modifiers].intValue(), 0x1200);
-        EXPECT_EQ(widthOf(hotKey[keys::VirtualKeyCode]), IntWidth::UInt16);
-        EXPECT_EQ(hotKey[keys::VirtualKeyCode].intValue(), 1018 + static_cast<int>(i));
-        EXPECT_EQ(widthOf(hotKey[keys::Position]), IntWidth::Int32);
+    for (const Value& hotKey : *d[keys::HotKeys].array()) {
+        Dictionary record = *hotKey.dictionary();
+        EXPECT_EQ(record.size(), 4u);
+        EXPECT_EQ(widthOf(record[keys::Character]), IntWidth::UInt8);
+        EXPECT_EQ(widthOf(record[keys::Modifiers]), IntWidth::UInt32);
+        EXPECT_EQ(widthOf(record[keys::VirtualKeyCode]), IntWidth::UInt16);
+        EXPECT_EQ(widthOf(record[keys::Position]), IntWidth::Int32);
     }
-    for (const char* key : {keys::PanelButtons, keys::StatusItemButtons}) {
-        Array buttons = *d[key].array();
-        ASSERT_EQ(buttons.size(), 4u);
-        for (std::size_t i = 0; i < 4; ++i) {
-            EXPECT_EQ(widthOf((*buttons[i].dictionary())[keys::Color]), IntWidth::Int16);
-            EXPECT_EQ((*buttons[i].dictionary())[keys::Color].intValue(), static_cast<int>(i));
-            EXPECT_EQ((*buttons[i].dictionary())[keys::Visible].toBool(), true);
-        }
-    }
-    Array groups = *d[keys::Groups].array();
-    ASSERT_EQ(groups.size(), 1u);
-    Dictionary excluded = *groups[0].dictionary();
-    EXPECT_EQ(*excluded[keys::Name].string(), "ExcludedApplications");
-    EXPECT_EQ(excluded[keys::CanBeDeleted].toBool(), false);
-    EXPECT_TRUE(excluded[keys::Applications].array()->empty());
+    for (const char* key : {keys::PanelButtons, keys::StatusItemButtons})
+        for (const Value& button : *d[key].array()) EXPECT_EQ(widthOf((*button.dictionary())[keys::Color]), IntWidth::Int16);
+    EXPECT_EQ(*(*(*d[keys::Groups].array())[0].dictionary())[keys::Name].string(), "ExcludedApplications");
 }
 
 TEST(DefaultPreviewSizes, EachWidthBoundaryPicksItsRow) {

@@ -66,19 +66,6 @@ printf 'this is not a property list' > "$work/corrupt/com.kestrova.Corvalis.plis
 check "an unreadable domain is reported" grep -q 'was kept as' "$work/corrupt.err"
 check "and kept aside unchanged" grep -qx 'this is not a property list' "$work"/corrupt/com.kestrova.Corvalis.plist.unreadable-*
 
-mkdir -p "$work/xml"
-python3 -c 'import plistlib,sys; plistlib.dump({"ShowIcons": False, "ShowHome": False, "Groups": []}, open(sys.argv[1], "wb"))' \
-  "$work/xml/com.kestrova.Corvalis.plist"
-"$tool" --domain-dir "$work/xml" show > /dev/null
-check "an XML domain written by another program is read and kept" python3 - "$work/xml/com.kestrova.Corvalis.plist" <<'PY'
-import plistlib, sys
-raw = open(sys.argv[1], "rb").read()
-assert raw.startswith(b"bplist00")
-d = plistlib.loads(raw)
-assert d["ShowIcons"] is False and [g["Name"] for g in d["Groups"]] == ["Excluded Applications"]
-assert "ShowHome" not in d and {"Item": "Home"} not in d["SpecialMenuItems"]
-PY
-
 CORVALIS_SYSTEM_VERSION=10.11 "$tool" --domain-dir "$work/old" show > /dev/null
 check "before 10.12 StatusItemPosition is kept" grep -q StatusItemPosition <(plistutil -i "$work/old/com.kestrova.Corvalis.plist" -f xml)
 check "from 10.12 it is removed" test "$(grep -c StatusItemPosition "$work/shown.xml")" = 0
@@ -107,8 +94,6 @@ import plistlib, sys
 d = plistlib.load(open(sys.argv[1], "rb"))
 assert d["SpecialMenuItems"] == [{"Item": "Home"}], d["SpecialMenuItems"]   # no Library before 10.7
 assert d["CustomApplications"][0]["Options"] == {"ForceRosetta": True}
-assert d["SwitchMenuMarkApplicationsUsingRosetta"] is True and "ShowLogOut" not in d
-assert len(d["HotKeys"]) == 4 and "CheckForUpdatesFrequency" in d and d["CheckForUpdatesFrequency"] == 7
 PY
 check "a second normalize has nothing to change" grep -q 'Nothing to change' <(CORVALIS_SYSTEM_VERSION=10.6.8 "$tool" --domain-dir "$work/legacy" normalize)
 
@@ -127,14 +112,11 @@ import plistlib, sys
 w = sys.argv[1]
 plistlib.dump({"Settings": {"ShowDisks": True}, "Version": 1}, open(w + "/legacy.cvbu", "wb"))
 plistlib.dump({"Settings": {"ShowIcons": True}, "Version": 2}, open(w + "/v2.cvbu", "wb"))
-plistlib.dump({"Settings": {"ShowIcons": True}, "Version": "1"}, open(w + "/text.cvbu", "wb"))
 PY
 before="$(md5sum < "$domain")"
 check "a backup of legacy keys only is refused with exit 3" test "$(status_of "$tool" --domain-dir "$work/fresh" restore "$work/legacy.cvbu")" = 3
 check "naming the file" grep -q 'legacy.cvbu' <("$tool" --domain-dir "$work/fresh" restore "$work/legacy.cvbu" 2>&1)
 check "another format version names both versions" grep -q '0\.1\.0.* 2' <("$tool" --domain-dir "$work/fresh" restore "$work/v2.cvbu" 2>&1)
-check "a version given as text is not a backup" grep -q 'text.cvbu' <("$tool" --domain-dir "$work/fresh" restore "$work/text.cvbu" 2>&1)
-check "a missing file is refused with exit 3" test "$(status_of "$tool" --domain-dir "$work/fresh" restore "$work/none.cvbu")" = 3
 check "refused backups change nothing" test "$(md5sum < "$domain")" = "$before"
 check "restore replaces the settings" grep -q 'replaced' <("$tool" --domain-dir "$work/fresh" restore "$work/saved.cvbu")
 check "with those of the backup" grep -q '<false/>' <("$tool" --domain-dir "$work/fresh" get ShowIcons)

