@@ -140,6 +140,7 @@ std::optional<plist::Dictionary> FileDomainStore::persistentDomainForName(const 
         return plist::asDictionary(plist::parse(std::span<const std::uint8_t>(*it->second)).value);
     }
     fs::path path = pathForDomain(name);
+    std::optional<FileStamp> before = stampOf(path);
     FileReadResult file = readWholeFile(path);
     if (!file.exists) return std::nullopt;
     if (!file.error.empty()) {
@@ -152,8 +153,20 @@ std::optional<plist::Dictionary> FileDomainStore::persistentDomainForName(const 
         return std::nullopt;
     }
     auto domain = plist::asDictionary(parsed.value);
-    if (!domain) setAside(name, path, std::string("the file holds a ") + plist::typeName(parsed.value.type()) + ", not a dictionary");
+    if (!domain) {
+        setAside(name, path, std::string("the file holds a ") + plist::typeName(parsed.value.type()) + ", not a dictionary");
+        return std::nullopt;
+    }
+    // Only a file that did not change while it was read vouches for what was read.
+    if (before && before == stampOf(path)) read_[name] = {domain->deepCopy(), *before};
     return domain;
+}
+
+std::optional<FileDomainStore::FileStamp> FileDomainStore::stampOf(const fs::path& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return std::nullopt;
+    return FileStamp{info.st_dev, info.st_ino, info.st_size,
+                     static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec};
 }
 
 void FileDomainStore::removePersistentDomainForName(const std::string& name) {
@@ -162,6 +175,13 @@ void FileDomainStore::removePersistentDomainForName(const std::string& name) {
 
 void FileDomainStore::setPersistentDomain(const plist::Dictionary& domain, const std::string& name) {
     if (!isUsableDomainName(name)) return;
+    if (auto it = read_.find(name); it != read_.end()) {
+        if (it->second.contents == domain && stampOf(pathForDomain(name)) == it->second.stamp) {
+            pending_.erase(name);  // the file already holds it
+            return;
+        }
+        read_.erase(it);
+    }
     plist::WriteResult written = plist::serialize(domain, plist::Format::Binary);
     if (!written.ok()) {
         lastWriteError_ = written.error;
@@ -188,6 +208,7 @@ bool FileDomainStore::synchronize(const std::string& name) {
     } else if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
         error = std::string("cannot remove: ") + std::strerror(errno);
     }
+    read_.erase(name);
     if (!error.empty()) {
         lastWriteError_ = path.string() + ": " + error;
         return false;

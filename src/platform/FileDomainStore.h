@@ -3,6 +3,8 @@
 // binary through a temporary file and a rename, so a reader (or a process
 // killed mid-save) only ever sees the old or the new state.
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -39,6 +41,23 @@ private:
     std::vector<SetAsideDomain> setAside_;
     std::set<std::string> unmovable_;  // unreadable files that stayed in place: never written over
     std::string lastWriteError_;
+
+    // Which file a domain was read from: the same inode, size and modification time mean the same contents.
+    struct FileStamp {
+        dev_t device = 0;
+        ino_t inode = 0;
+        off_t size = 0;
+        std::int64_t modifiedNs = 0;
+        bool operator==(const FileStamp&) const = default;
+    };
+    static std::optional<FileStamp> stampOf(const std::filesystem::path& path);
+    // What each domain file held when it was read, while it still holds it: setting a
+    // domain to exactly that writes nothing (loading ends with a save that seldom changes anything).
+    struct ReadContents {
+        plist::Dictionary contents;
+        FileStamp stamp;
+    };
+    std::map<std::string, ReadContents> read_;
 
     void setAside(const std::string& name, const std::filesystem::path& path, const std::string& reason);
 };
