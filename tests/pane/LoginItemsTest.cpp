@@ -1,3 +1,4 @@
+#include "platform/DesktopEntry.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
 
 #include <gtest/gtest.h>
@@ -85,7 +86,7 @@ TEST(DesktopEntryText, ExecLinesOfOtherPrograms) {
     EXPECT_EQ(programOfExec("  /usr/bin/env FOO=1 x"), "/usr/bin/env");
     EXPECT_FALSE(programOfExec("\"/unterminated"));
     EXPECT_FALSE(programOfExec("   "));
-    EXPECT_EQ(unescapeValue("\\sa\\\\b\\nc\\;"), " a\\b\nc\\;");
+    EXPECT_EQ(DesktopEntry::parse("[Desktop Entry]\nName=" + escapeValue(" a\\b\nc")).value("Name"), " a\\b\nc");
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include "fileutils/PathResolution.h"
 #include "platform/ApplicationBundle.h"
+#include "platform/DesktopEntry.h"
 
 namespace corvalis {
 
@@ -30,25 +31,6 @@ std::string escapeValue(const std::string& value) {
         else if (c == '\r') out += "\\r";
         else if (c == ' ' && i == 0) out += "\\s";  // readers strip the space after '='
         else out += c;
-    }
-    return out;
-}
-
-std::string unescapeValue(const std::string& value) {
-    std::string out;
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        if (value[i] != '\\' || i + 1 == value.size()) {
-            out += value[i];
-            continue;
-        }
-        switch (value[++i]) {
-        case 's': out += ' '; break;
-        case 'n': out += '\n'; break;
-        case 't': out += '\t'; break;
-        case 'r': out += '\r'; break;
-        case '\\': out += '\\'; break;
-        default: out += '\\'; out += value[i]; break;
-        }
     }
     return out;
 }
@@ -112,35 +94,10 @@ std::optional<EntryKeys> readEntry(const fs::path& file) {
     if (fs::file_size(file, error) > kMaxEntryBytes || error) return std::nullopt;
     std::ifstream in(file, std::ios::binary);
     if (!in) return std::nullopt;
-    EntryKeys keys;
-    bool inMainGroup = false, seenType = false, seenName = false, seenExec = false, seenHidden = false;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (line.empty() || line[0] == '#') continue;
-        if (line[0] == '[') {
-            inMainGroup = line == "[Desktop Entry]";
-            continue;
-        }
-        if (!inMainGroup) continue;
-        std::size_t equals = line.find('=');
-        if (equals == std::string::npos) continue;
-        std::string key = line.substr(0, equals);
-        key.erase(key.find_last_not_of(' ') + 1);
-        std::size_t start = line.find_first_not_of(' ', equals + 1);
-        std::string value = desktop_entry::unescapeValue(start == std::string::npos ? "" : line.substr(start));
-        auto take = [&](const char* name, bool& seen, std::string& into) {
-            if (key == name && !seen) {
-                seen = true;
-                into = value;
-            }
-        };
-        take("Type", seenType, keys.type);
-        take("Name", seenName, keys.name);
-        take("Exec", seenExec, keys.exec);
-        take("Hidden", seenHidden, keys.hidden);
-    }
-    return keys;
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    DesktopEntry entry = DesktopEntry::parse(text);
+    auto value = [&](const char* key) { return entry.value(key).value_or(""); };
+    return EntryKeys{value("Type"), value("Name"), value("Exec"), value("Hidden")};
 }
 
 // A program named without a folder is looked up in $PATH, as the session does.

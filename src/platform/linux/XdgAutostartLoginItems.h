@@ -38,7 +38,6 @@ namespace desktop_entry {
 
 // A value as the file holds it: \\ \n \t \r escaped, a leading space as \s.
 std::string escapeValue(const std::string& value);
-std::string unescapeValue(const std::string& value);
 // The Exec= value that runs `program` with no arguments; none for a program
 // name no entry can carry (control characters).
 std::optional<std::string> execLine(const std::string& program);
