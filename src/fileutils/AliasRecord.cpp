@@ -66,6 +66,7 @@ std::optional<plist::Data> encodeAliasRecord(const FileIdentity& identity) {
     appendBigEndian(out, kAliasRecordVersion, 2);
     appendBigEndian(out, identity.device, 8);
     appendBigEndian(out, identity.inode, 8);
+    appendBigEndian(out, identity.birthNs, 8);
     for (const std::string* text : {&identity.path, &identity.bundleIdentifier}) {
         appendBigEndian(out, text->size(), 2);
         out.insert(out.end(), text->begin(), text->end());
@@ -81,9 +82,11 @@ std::optional<FileIdentity> decodeAliasRecord(std::span<const std::uint8_t> byte
     FileIdentity identity;
     auto device = reader.unsignedBigEndian(8);
     auto inode = reader.unsignedBigEndian(8);
-    if (!device || !inode) return std::nullopt;
+    auto birth = reader.unsignedBigEndian(8);
+    if (!device || !inode || !birth) return std::nullopt;
     identity.device = *device;
     identity.inode = *inode;
+    identity.birthNs = *birth;
     for (std::string* text : {&identity.path, &identity.bundleIdentifier}) {
         auto length = reader.unsignedBigEndian(2);
         if (!length) return std::nullopt;

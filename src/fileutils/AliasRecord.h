@@ -20,6 +20,9 @@ struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
     std::string bundleIdentifier;  // "" for anything but an application
+    // When the file was made (ns since 1970; 0 when the file system does not say):
+    // tells the file apart from a later one given its freed inode.
+    std::uint64_t birthNs = 0;
 
     bool operator==(const FileIdentity&) const = default;
 };

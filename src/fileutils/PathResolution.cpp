@@ -1,6 +1,7 @@
 #include "fileutils/PathResolution.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,6 +31,22 @@ namespace {
 // bundle identifier.
 constexpr int kAliasSearchDepth = 3;
 constexpr std::size_t kAliasSearchMaxEntries = 5000;
+
+// The file's birth time, 0 when the file system keeps none.
+std::uint64_t birthTimeNs(const std::string& path) {
+    struct statx info {};
+    if (::statx(AT_FDCWD, path.c_str(), 0, STATX_BTIME, &info) != 0 || !(info.stx_mask & STATX_BTIME))
+        return 0;
+    return static_cast<std::uint64_t>(info.stx_btime.tv_sec) * 1000000000u + info.stx_btime.tv_nsec;
+}
+
+// Same device and inode, and (where both are known) the same birth: inodes are reused soon after a file goes.
+bool isFileOf(const FileIdentity& identity, const std::string& path, const struct stat& info) {
+    if (static_cast<std::uint64_t>(info.st_dev) != identity.device || static_cast<std::uint64_t>(info.st_ino) != identity.inode)
+        return false;
+    std::uint64_t birth = identity.birthNs ? birthTimeNs(path) : 0;
+    return birth == 0 || birth == identity.birthNs;
+}
 
 bool statPath(const std::string& path, struct stat& info) {
     return isPathWithinLimit(path) && ::stat(path.c_str(), &info) == 0;
@@ -149,7 +166,7 @@ std::optional<std::string> findMovedFile(const FileIdentity& identity) {
                 std::string path = folder == "/" ? "/" + name : folder + "/" + name;
                 struct stat info {};
                 if (!lstatPath(path, info) || info.st_dev != identity.device) continue;
-                if (info.st_ino == identity.inode) {
+                if (isFileOf(identity, path, info)) {
                     ::closedir(dir);
                     return path;
                 }
@@ -321,7 +338,8 @@ std::string LocalizedFolderName(const std::string& path) { return DisplayNameAtP
 std::optional<plist::Data> AliasData(const std::string& path, const Workspace& workspace) {
     struct stat info {};
     if (!statPath(path, info)) return std::nullopt;
-    FileIdentity identity{path, static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino), ""};
+    FileIdentity identity{path, static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino), "",
+                          birthTimeNs(path)};
     if (IsApplication(path)) identity.bundleIdentifier = workspace.bundleIdentifierForApplication(path).value_or("");
     return encodeAliasRecord(identity);
 }
@@ -346,8 +364,7 @@ AliasResolution ResolveAliasData(const plist::Data& aliasData, const Workspace& 
         return {};
     }
     struct stat info {};
-    if (statPath(identity->path, info) && static_cast<std::uint64_t>(info.st_dev) == identity->device &&
-        static_cast<std::uint64_t>(info.st_ino) == identity->inode)
+    if (statPath(identity->path, info) && isFileOf(*identity, identity->path, info))
         return AliasResolution{identity->path, false, std::nullopt};
     if (auto moved = findMovedFile(*identity)) return found(*moved);
     if (!identity->bundleIdentifier.empty())

@@ -34,7 +34,7 @@ plist::Data classicRecord(int version, const std::vector<std::pair<int, std::str
 }
 
 TEST(AliasRecord, OwnRecordsRoundTripAndForeignBytesAreRefused) {
-    FileIdentity identity{"/Applications/Mail.app", 0x0102030405060708u, 77, "org.example.mail"};
+    FileIdentity identity{"/Applications/Mail.app", 0x0102030405060708u, 77, "org.example.mail", 1795442076000000001u};
     auto bytes = encodeAliasRecord(identity);
     ASSERT_TRUE(bytes);
     EXPECT_EQ(decodeAliasRecord(*bytes), identity);
@@ -92,8 +92,17 @@ TEST_F(AliasResolutionTest, FindsTheSameFileMovedNearby) {
     EXPECT_EQ(found.path, moved);
     EXPECT_TRUE(found.wasChanged);
     ASSERT_TRUE(found.updatedData);
-    EXPECT_EQ(*decodeAliasRecord(*found.updatedData), (FileIdentity{moved, decodeAliasRecord(*data)->device,
-                                                                     decodeAliasRecord(*data)->inode, "org.example.mail"}));
+    FileIdentity before = *decodeAliasRecord(*data);
+    EXPECT_EQ(*decodeAliasRecord(*found.updatedData),
+              (FileIdentity{moved, before.device, before.inode, "org.example.mail", before.birthNs}));
+}
+
+TEST_F(AliasResolutionTest, AnotherFileOnAReusedInodeIsNotTheOne) {
+    FileIdentity identity = *decodeAliasRecord(*AliasData(app, workspace));
+    if (identity.birthNs == 0) GTEST_SKIP() << "this file system keeps no birth times";
+    identity.birthNs += 1;  // as if the old file had gone and this one had its inode
+    identity.bundleIdentifier.clear();
+    EXPECT_FALSE(ResolveAliasData(*encodeAliasRecord(identity), workspace).path);
 }
 
 TEST_F(AliasResolutionTest, TheSearchForAMovedFileIsBounded) {
