@@ -27,8 +27,9 @@ inline QCoreApplication& application() {
     return *app;
 }
 
-// Runs the event loop until `done` holds; false after `ms` milliseconds.
-inline bool waitUntil(const std::function<bool()>& done, int ms = 5000) {
+// Runs the event loop until `done` holds; false after `ms` milliseconds. Generous: while the
+// kill-during-save test floods the disk with flushes, starting a controller can take seconds.
+inline bool waitUntil(const std::function<bool()>& done, int ms = 30000) {
     QTimer tick;
     tick.start(10);
     for (QDeadlineTimer deadline(ms); !done();) {
