@@ -106,7 +106,8 @@ TEST_F(Validator, ShortcutRecordsAndGroupCombinations) {
     EXPECT_TRUE(validator.validateKeyboardShortcut(shortcut(0x13, kCommand)));
 
     auto named = [&](const std::string& name) {
-        for (const Value& group : *prefs.arrayForKey(keys::Groups))
+        plist::Array groups = *prefs.arrayForKey(keys::Groups);  // held: the loop must not outlive it
+        for (const Value& group : groups)
             if (*(*group.dictionary())[keys::Name].string() == name) return *group.dictionary();
         return Dictionary();
     };
