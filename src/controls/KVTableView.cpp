@@ -8,22 +8,17 @@
 
 namespace corvalis {
 
-namespace {
-
-// Keys typed within the keyboard-input interval extend the text being searched.
-bool collectTyped(QString& typed, qint64& lastKeyAt, const QString& search) {
+bool TypedText::offer(const QString& search) {
     qint64 now = QDateTime::currentMSecsSinceEpoch();
     if (search.isEmpty()) {
-        typed.clear();
+        typed_.clear();
         return false;
     }
-    if (now - lastKeyAt > QApplication::keyboardInputInterval()) typed.clear();
-    lastKeyAt = now;
-    typed += search;
-    return true;
+    if (now - lastKeyAt_ > QApplication::keyboardInputInterval()) typed_.clear();
+    lastKeyAt_ = now;
+    typed_ += search;
+    return handler_ && handler_(typed_);
 }
-
-}  // namespace
 
 KVTableView::KVTableView(QWidget* parent) : QTableView(parent) {
     setItemDelegate(new KVImageAndTextCell(this));
@@ -31,19 +26,9 @@ KVTableView::KVTableView(QWidget* parent) : QTableView(parent) {
     setShowGrid(false);
 }
 
-void KVTableView::keyboardSearch(const QString& search) {
-    if (!collectTyped(typed_, lastKeyAt_, search)) return QTableView::keyboardSearch(search);
-    if (!typeToSelect_ || !typeToSelect_(typed_)) QTableView::keyboardSearch(search);
-}
-
 KVOutlineView::KVOutlineView(QWidget* parent) : QTreeView(parent) {
     setItemDelegate(new KVImageAndTextCell(this));
     setSelectionBehavior(QAbstractItemView::SelectRows);
-}
-
-void KVOutlineView::keyboardSearch(const QString& search) {
-    if (!collectTyped(typed_, lastKeyAt_, search)) return QTreeView::keyboardSearch(search);
-    if (!typeToSelect_ || !typeToSelect_(typed_)) QTreeView::keyboardSearch(search);
 }
 
 void KVImageAndTextCell::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {

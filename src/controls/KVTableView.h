@@ -19,18 +19,31 @@ enum KVItemRole {
 // Answers true when it selected a row for the typed text; false leaves Qt's own search.
 using TypeToSelect = std::function<bool(const QString& typed)>;
 
+// The text typed within the keyboard-input interval, offered to the owner's handler.
+class TypedText {
+public:
+    void setHandler(TypeToSelect handler) { handler_ = std::move(handler); }
+    // True when the owner selected a row for the text typed so far.
+    bool offer(const QString& search);
+
+private:
+    TypeToSelect handler_;
+    QString typed_;
+    qint64 lastKeyAt_ = 0;
+};
+
 class KVTableView : public QTableView {
     Q_OBJECT
 
 public:
     explicit KVTableView(QWidget* parent = nullptr);
-    void setTypeToSelect(TypeToSelect handler) { typeToSelect_ = std::move(handler); }
-    void keyboardSearch(const QString& search) override;
+    void setTypeToSelect(TypeToSelect handler) { typed_.setHandler(std::move(handler)); }
+    void keyboardSearch(const QString& search) override {
+        if (!typed_.offer(search)) QTableView::keyboardSearch(search);
+    }
 
 private:
-    TypeToSelect typeToSelect_;
-    QString typed_;
-    qint64 lastKeyAt_ = 0;
+    TypedText typed_;
 };
 
 class KVOutlineView : public QTreeView {
@@ -38,13 +51,13 @@ class KVOutlineView : public QTreeView {
 
 public:
     explicit KVOutlineView(QWidget* parent = nullptr);
-    void setTypeToSelect(TypeToSelect handler) { typeToSelect_ = std::move(handler); }
-    void keyboardSearch(const QString& search) override;
+    void setTypeToSelect(TypeToSelect handler) { typed_.setHandler(std::move(handler)); }
+    void keyboardSearch(const QString& search) override {
+        if (!typed_.offer(search)) QTreeView::keyboardSearch(search);
+    }
 
 private:
-    TypeToSelect typeToSelect_;
-    QString typed_;
-    qint64 lastKeyAt_ = 0;
+    TypedText typed_;
 };
 
 // Icon and text, red or light grey by the row's error code, or a separator line.
