@@ -105,10 +105,10 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     more->setPopupMode(QToolButton::InstantPopup);
     moreMenu_ = new QMenu(more);
     moreMenu_->addAction(localized("About"), this, &ComKestrovaCorvalis_PrefsPane::onAbout);
-    moreMenu_->addAction(localized("SoftwareUpdate") + "…", this, &ComKestrovaCorvalis_PrefsPane::onSoftwareUpdate);
+    moreMenu_->addAction(localized("SoftwareUpdateMenuItem"), this, &ComKestrovaCorvalis_PrefsPane::onSoftwareUpdate);
     moreMenu_->addSeparator();
-    moreMenu_->addAction(localized("BackUpSettings") + "…", this, &ComKestrovaCorvalis_PrefsPane::onBackUpSettings);
-    moreMenu_->addAction(localized("ImportFromBackup") + "…", this, &ComKestrovaCorvalis_PrefsPane::onImportFromBackup);
+    moreMenu_->addAction(localized("BackUpSettingsMenuItem"), this, &ComKestrovaCorvalis_PrefsPane::onBackUpSettings);
+    moreMenu_->addAction(localized("ImportFromBackupMenuItem"), this, &ComKestrovaCorvalis_PrefsPane::onImportFromBackup);
     moreMenu_->addSeparator();
     moreMenu_->addAction(localized("KestrovaWebSite"), this, &ComKestrovaCorvalis_PrefsPane::onKestrovaWebSite);
     moreMenu_->addAction(localized("EmailSupport"), this, &ComKestrovaCorvalis_PrefsPane::onEmailSupport);
