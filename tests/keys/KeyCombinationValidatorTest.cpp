@@ -28,7 +28,7 @@ Dictionary group(const std::string& name, std::string id, std::optional<KVKeyCom
                       {keys::KeyboardShortcut, record}};
 }
 
-class Validator : public test::KeysTest {
+class Validator : public test::PrefsTest {
 protected:
     test::ScopedLayout us{"us"};
     KVKeyCombinationValidator validator{prefs};
@@ -144,7 +144,7 @@ TEST_F(Validator, RedrawsOnlyWhatALayoutChangeAsked) {
 
 namespace {
 
-class HotKeyConversion : public test::KeysTest {
+class HotKeyConversion : public test::PrefsTest {
 protected:
     // The factory hot keys are of the older form: 1000 + a key code, and the key's character.
     // Converts under the layout the test has chosen.

@@ -1,16 +1,11 @@
 #pragma once
 // Real keyboard layouts from the system's keyboard data, and preferences kept in memory.
 
-#include <gtest/gtest.h>
-
 #include "keys/ComKestrovaShortcutsController.h"
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationCenter.h"
-#include "platform/InProcessNotificationCenter.h"
 #include "platform/linux/XkbKeyboardLayout.h"
-#include "prefs/CorvalisPreferences.h"
-#include "prefs/PreferenceKeys.h"
-#include "support/MemoryDomainStore.h"
+#include "support/PrefsFixture.h"
 #include "support/TestSupport.h"
 
 namespace corvalis::test {
@@ -62,24 +57,6 @@ public:
     void showAlert(const std::string& title, const std::string& text, const std::string& button) override {
         calls.push_back("alert " + title + " | " + text + " | " + button);
     }
-};
-
-class KeysTest : public ::testing::Test {
-protected:
-    MemoryDomainStore domains;
-    InProcessNotificationCenter bus;
-    CorvalisPreferences prefs{domains, bus};
-
-    // Loads `stored` as the domain, as the pane does when it opens; the bus starts empty.
-    void load(const plist::Dictionary& stored) {
-        domains.domains["com.kestrova.Corvalis"] = stored;
-        prefs.unload();
-        prefs.setLoadEnvironment({[] { return false; }, [] { return false; }, [] { return false; },
-                                  [] { return false; }, [] { return true; }});
-        prefs.loadPreferences();
-        bus.clearPosted();
-    }
-    const plist::Dictionary storedDomain() { return domains.domains["com.kestrova.Corvalis"]; }
 };
 
 }  // namespace corvalis::test

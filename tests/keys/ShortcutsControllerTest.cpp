@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint32_t kCommand = modifiers::Command;
 
-class Shortcuts : public test::KeysTest {
+class Shortcuts : public test::PrefsTest {
 protected:
     test::ScopedLayout us{"us"};
     KVKeyCombinationValidator validator{prefs};

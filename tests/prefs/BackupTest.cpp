@@ -5,14 +5,13 @@
 #include "plist/PlistIO.h"
 #include "prefs/Backup.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/LoaderFixture.h"
+#include "support/PrefsFixture.h"
 #include "prefs/Localization.h"
 #include "prefs/PaneVersion.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
-using test::LoaderTest;
 namespace fs = std::filesystem;
 
 namespace {
@@ -27,7 +26,7 @@ BackupContents check(const Value& root) {
     return checkBackup(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
-class Backups : public LoaderTest {
+class Backups : public test::PrefsTest {
 protected:
     test::TempDir dir;
 };

@@ -1,8 +1,7 @@
-#include "prefs/LoaderFixture.h"
+#include "support/PrefsFixture.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
-using test::LoaderTest;
 
 namespace {
 
@@ -27,7 +26,7 @@ Names namesOf(const Value& list) {
     return names;
 }
 
-class GroupLoaders : public LoaderTest {
+class GroupLoaders : public test::PrefsTest {
 protected:
     Names groupNames(const Dictionary& loaded) { return namesOf(loaded[keys::Groups]); }
     Dictionary group(const Dictionary& loaded, const std::string& name) {

@@ -6,7 +6,7 @@
 #include <random>
 
 #include "prefs/DefaultValues.h"
-#include "prefs/LoaderFixture.h"
+#include "support/PrefsFixture.h"
 #include "plist/PlistIO.h"
 #include "support/DomainInvariants.h"
 
@@ -95,7 +95,7 @@ private:
     }
 };
 
-class LoadProperties : public test::LoaderTest {};
+class LoadProperties : public test::PrefsTest {};
 
 }  // namespace
 

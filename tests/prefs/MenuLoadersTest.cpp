@@ -1,8 +1,7 @@
-#include "prefs/LoaderFixture.h"
+#include "support/PrefsFixture.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
-using test::LoaderTest;
 
 namespace {
 
@@ -11,7 +10,7 @@ using Kinds = std::vector<std::string>;
 Dictionary item(const char* kind) { return Dictionary{{keys::Item, kind}}; }
 Dictionary separator() { return item("Separator"); }
 
-class MenuLoaders : public LoaderTest {};
+class MenuLoaders : public test::PrefsTest {};
 
 }  // namespace
 

@@ -1,13 +1,12 @@
-#include "prefs/LoaderFixture.h"
+#include "support/PrefsFixture.h"
 #include "prefs/PaneVersion.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
-using test::LoaderTest;
 
 namespace {
 
-class OptionLoaders : public LoaderTest {
+class OptionLoaders : public test::PrefsTest {
 protected:
     // The value of `key` after loading a domain that holds only `value` there.
     Value loadedValue(const char* key, const Value& value) {

@@ -1,9 +1,8 @@
 #include "prefs/DefaultValues.h"
-#include "prefs/LoaderFixture.h"
+#include "support/PrefsFixture.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
-using test::LoaderTest;
 
 namespace {
 
@@ -20,7 +19,7 @@ Array fourHotKeys() {
                  hotKey(99, 768, 8, Value::int32(3)), hotKey(100, 256, 2, Value::int32(5))};
 }
 
-class ShortcutLoaders : public LoaderTest {};
+class ShortcutLoaders : public test::PrefsTest {};
 
 }  // namespace
 

@@ -33,7 +33,7 @@ void press(QWidget* target, int key, std::uint32_t evdev, Qt::KeyboardModifiers 
     QApplication::sendEvent(target, &event);
 }
 
-class ShortcutsTabTest : public test::KeysTest {
+class ShortcutsTabTest : public test::PrefsTest {
 protected:
     test::ScopedLayout us{"us"};
     QWidget window;

@@ -1,5 +1,5 @@
 #pragma once
-// A store over domains in memory, on a machine whose answers the test chooses.
+// Preferences over domains in memory, on a machine whose answers the test chooses.
 
 #include <gtest/gtest.h>
 
@@ -10,28 +10,26 @@
 
 namespace corvalis::test {
 
-class LoaderTest : public ::testing::Test {
+class PrefsTest : public ::testing::Test {
 protected:
     MemoryDomainStore domains;
     InProcessNotificationCenter bus;
     CorvalisPreferences prefs{domains, bus};
-    LoadEnvironment machine = bareMachine();
-
     // No Developer folder, no address book or photo libraries, a 64-bit processor.
-    static LoadEnvironment bareMachine() {
-        return {[] { return false; }, [] { return false; }, [] { return false; }, [] { return false; },
-                [] { return true; }};
-    }
+    LoadEnvironment machine{[] { return false; }, [] { return false; }, [] { return false; }, [] { return false; },
+                            [] { return true; }};
 
-    // Loads `stored` as the domain and answers the working copy; `firstUse` gets the load's result.
+    // Loads `stored` as the pane does when it opens and answers the working copy; the bus starts empty.
     plist::Dictionary load(const plist::Dictionary& stored, bool* firstUse = nullptr) {
         domains.domains["com.kestrova.Corvalis"] = stored;
         prefs.unload();
         prefs.setLoadEnvironment(machine);
         bool result = prefs.loadPreferences();
         if (firstUse) *firstUse = result;
+        bus.clearPosted();
         return prefs.prefsData();
     }
+    plist::Dictionary storedDomain() { return domains.domains["com.kestrova.Corvalis"]; }
 
     static std::vector<std::string> kinds(const plist::Value& menu) {
         std::vector<std::string> result;
@@ -39,7 +37,6 @@ protected:
             for (const plist::Value& item : *items) result.push_back(*(*item.dictionary())[keys::Item].string());
         return result;
     }
-
     static plist::Dictionary record(const plist::Value& list, std::size_t index) {
         return plist::asDictionary((*list.array())[index]).value_or(plist::Dictionary());
     }
