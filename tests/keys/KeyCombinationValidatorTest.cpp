@@ -59,24 +59,25 @@ protected:
 }  // namespace
 
 TEST_F(Validator, EachFamilyRefusesWithItsOwnMessage) {
-    EXPECT_EQ(refusal({0, 0, kShiftControl}), LocalizedFormat(keystrings::KeyCombinationExistsAlready1, {"⇧⌃A"}));
-    EXPECT_EQ(refusal({0, 1, kShiftControl}), LocalizedFormat(keystrings::KeyCombinationExistsAlready2, {"⇧⌃S"}));
-    EXPECT_EQ(refusal({0, 2, kShiftControl}), LocalizedFormat(keystrings::KeyCombinationExistsAlready3, {"⇧⌃D"}));
-    EXPECT_EQ(refusal({0, 3, kShiftControl}), LocalizedFormat(keystrings::KeyCombinationExistsAlready4, {"⇧⌃F"}));
-    EXPECT_EQ(refusal({0, 0x12, kCommand}),
-              LocalizedFormat(keystrings::KeyCombinationExistsAlready5, {"⌘1", LocalizedString(keystrings::QuitAllCommand)}));
-    EXPECT_EQ(refusal({0, 0x13, kCommand}), LocalizedFormat(keystrings::KeyCombinationExistsAlready6, {"⌘2", "Work"}));
-    EXPECT_EQ(refusal({0, 0x14, kCommand}), LocalizedFormat(keystrings::KeyCombinationExistsAlready7, {"⌘3", "Play"}));
-    EXPECT_EQ(refusal({0, 0x15, kCommand}), LocalizedFormat(keystrings::KeyCombinationExistsAlready8, {"⌘4", "Tools"}));
-    EXPECT_EQ(refusal({0, 0x12, kCommand}), "⌘1 is already the shortcut of the command “Quit All Applications”.");
+    using namespace keystrings;
+    std::pair<KVKeyCombination, std::string> refused[] = {
+        {{0, 0, kShiftControl}, LocalizedFormat(KeyCombinationExistsAlready1, {"⇧⌃A"})},
+        {{0, 1, kShiftControl}, LocalizedFormat(KeyCombinationExistsAlready2, {"⇧⌃S"})},
+        {{0, 2, kShiftControl}, LocalizedFormat(KeyCombinationExistsAlready3, {"⇧⌃D"})},
+        {{0, 3, kShiftControl}, LocalizedFormat(KeyCombinationExistsAlready4, {"⇧⌃F"})},
+        {{0, 0x12, kCommand}, "⌘1 is already the shortcut of the command “Quit All Applications”."},
+        {{0, 0x13, kCommand}, LocalizedFormat(KeyCombinationExistsAlready6, {"⌘2", "Work"})},
+        {{0, 0x14, kCommand}, LocalizedFormat(KeyCombinationExistsAlready7, {"⌘3", "Play"})},
+        {{0, 0x15, kCommand}, LocalizedFormat(KeyCombinationExistsAlready8, {"⌘4", "Tools"})},
+        {{'x', 0, kShiftControl}, LocalizedFormat(KeyCombinationExistsAlready1, {"⇧⌃A"})},  // the kept character differs
+    };
+    for (const auto& [combination, message] : refused) EXPECT_EQ(refusal(combination), message) << combination.text();
 
     std::string message = "stale";
     EXPECT_TRUE(validator.validateKeyCombination(KVKeyCombination(0, 0x15, kShiftControl), &message));
     EXPECT_EQ(message, "");
     EXPECT_TRUE(validator.validateKeyCombination(std::nullopt, &message));
     EXPECT_TRUE(validator.validateKeyCombination(KVKeyCombination(0, 0, modifiers::Shift)));
-    // The kept character differs from the hot key's: still the same combination.
-    EXPECT_EQ(refusal({'x', 0, kShiftControl}), LocalizedFormat(keystrings::KeyCombinationExistsAlready1, {"⇧⌃A"}));
 }
 
 TEST_F(Validator, HotKeysComeFirstThenCommandsThenGroups) {
