@@ -28,7 +28,7 @@ Names namesOf(const Value& list) {
 
 class GroupLoaders : public test::PrefsTest {
 protected:
-    Names groupNames(const Dictionary& loaded) { return namesOf(loaded[keys::Groups]); }
+    static Names groupNames(const Dictionary& loaded) { return namesOf(loaded[keys::Groups]); }
     Dictionary group(const Dictionary& loaded, const std::string& name) {
         for (const Value& entry : *loaded[keys::Groups].array())
             if (*(*entry.dictionary())[keys::Name].string() == name) return *entry.dictionary();
@@ -40,13 +40,9 @@ protected:
 }  // namespace
 
 TEST_F(GroupLoaders, ThereIsAlwaysExactlyOneExcludedGroup) {
-    Dictionary loaded = load(Dictionary{{keys::Groups, Array{userGroup("Work")}}});
-    EXPECT_EQ(groupNames(loaded), (Names{"Excluded Applications", "Work"}));
-    EXPECT_EQ(group(loaded, "Excluded Applications"),
-              (Dictionary{{keys::Name, "Excluded Applications"}, {keys::Applications, Array()},
-                          {keys::CanBeDeleted, false}, {keys::AutoOpen, false}, {keys::Hide, false}}));
-
-    loaded = load(Dictionary{{keys::Groups, Array{excludedGroup(Array{app("/a/First.app")}), "junk",
+    EXPECT_EQ(groupNames(load(Dictionary{{keys::Groups, Array{userGroup("Work")}}})),
+              (Names{"Excluded Applications", "Work"}));
+    Dictionary loaded = load(Dictionary{{keys::Groups, Array{excludedGroup(Array{app("/a/First.app")}), "junk",
                                                   excludedGroup(Array{app("/a/Second.app")})}}});
     ASSERT_EQ(groupNames(loaded), Names{"Excluded Applications"});
     EXPECT_EQ(namesOf(group(loaded, "Excluded Applications")[keys::Applications]), Names{"First"});
@@ -64,21 +60,21 @@ TEST_F(GroupLoaders, ArrangingSortsWhatArrangeWhatNames) {
                                {keys::KeepGroupsAndApplicationsArranged, arranged},
                                {keys::ArrangeWhat, Value::int32(what)}});
     };
-    Names stored{"Zed", "alpha", "Mid"}, sorted{"alpha", "Mid", "Zed"};
-
-    Dictionary loaded = loadWith(true, 1);
-    EXPECT_EQ(groupNames(loaded), (Names{"Apps", "Excluded Applications", "Tools"}));
-    EXPECT_EQ(namesOf(group(loaded, "Tools")[keys::Applications]), stored);
-    EXPECT_EQ(namesOf(group(loaded, "Excluded Applications")[keys::Applications]), sorted);
-
-    loaded = loadWith(true, 2);
-    EXPECT_EQ(groupNames(loaded), (Names{"Tools", "Apps", "Excluded Applications"}));
-    EXPECT_EQ(namesOf(group(loaded, "Tools")[keys::Applications]), sorted);
-
-    loaded = loadWith(false, 0);
-    EXPECT_EQ(groupNames(loaded), (Names{"Tools", "Apps", "Excluded Applications"}));
-    EXPECT_EQ(namesOf(group(loaded, "Apps")[keys::Applications]), stored);
-    EXPECT_EQ(namesOf(group(loaded, "Excluded Applications")[keys::Applications]), sorted);
+    const Names stored{"Zed", "alpha", "Mid"}, sorted{"alpha", "Mid", "Zed"}, asListed{"Tools", "Apps", "Excluded Applications"};
+    // ArrangeWhat 1 sorts the groups, 2 their applications; the excluded group's are sorted whatever is set.
+    struct Case {
+        bool arranged;
+        int what;
+        Names groups, applications;
+    } cases[] = {{true, 1, {"Apps", "Excluded Applications", "Tools"}, stored},
+                 {true, 2, asListed, sorted},
+                 {false, 0, asListed, stored}};
+    for (const Case& c : cases) {
+        Dictionary loaded = loadWith(c.arranged, c.what);
+        EXPECT_EQ(groupNames(loaded), c.groups) << c.what;
+        EXPECT_EQ(namesOf(group(loaded, "Tools")[keys::Applications]), c.applications) << c.what;
+        EXPECT_EQ(namesOf(group(loaded, "Excluded Applications")[keys::Applications]), sorted) << c.what;
+    }
 }
 
 TEST_F(GroupLoaders, RecordsAreRebuiltWithTheirDefaults) {
@@ -87,7 +83,6 @@ TEST_F(GroupLoaders, RecordsAreRebuiltWithTheirDefaults) {
                                                 Dictionary{{keys::Path, "/opt/Viewer.app"}, {keys::AliasData, "text"}},
                                                 Dictionary{{keys::Name, "No path"}}, Value::int32(1)});
     stored.set(keys::Icon, Value::int32(9));
-    stored.set(keys::IconData, Data{9});
     stored.set(keys::ShowInQuitMenu, false);
     stored.set(keys::Hide, "yes");
     stored.set("Obsolete", true);
@@ -98,12 +93,10 @@ TEST_F(GroupLoaders, RecordsAreRebuiltWithTheirDefaults) {
               Value(Array{Dictionary{{keys::Name, "Editor"}, {keys::Path, "/opt/Editor.app"},
                                      {keys::AliasData, Data{1, 2, 3}}},
                           Dictionary{{keys::Name, "Viewer"}, {keys::Path, "/opt/Viewer.app"}}}));
+    // A field of the wrong type gets its default; a stored one is kept; unknown ones go.
     EXPECT_EQ(work[keys::Icon], Value("YellowFolder"));
-    EXPECT_EQ(work[keys::IconData], Value(Data{9}));
-    EXPECT_EQ(work[keys::ShowInOpenMenu], Value(true));
-    EXPECT_EQ(work[keys::ShowInQuitMenu], Value(false));
     EXPECT_EQ(work[keys::Hide], Value(false));
-    EXPECT_EQ(work[keys::AutoOpen], Value(false));
+    EXPECT_EQ(work[keys::ShowInQuitMenu], Value(false));
     EXPECT_FALSE(work.contains("Obsolete"));
 }
 

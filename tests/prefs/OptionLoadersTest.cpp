@@ -1,4 +1,5 @@
 #include "support/PrefsFixture.h"
+#include "plist/PlistIO.h"
 #include "prefs/PaneVersion.h"
 
 using namespace corvalis;
@@ -9,30 +10,29 @@ namespace {
 class OptionLoaders : public test::PrefsTest {
 protected:
     // The value of `key` after loading a domain that holds only `value` there.
-    Value loadedValue(const char* key, const Value& value) {
-        return load(Dictionary{{key, value}})[key];
-    }
+    Value loadedValue(const char* key, const Value& value) { return load(Dictionary{{key, value}})[key]; }
 };
 
 }  // namespace
 
 TEST_F(OptionLoaders, OutOfRangeChoicesFallBackToTheirDefaults) {
-    EXPECT_EQ(loadedValue(keys::IncludeTerminatedApplicationsWhere, Value::int32(2)), Value::int32(2));
-    for (Value bad : {Value(Value::int32(3)), Value(Value::int32(0)), Value("2")}) {
-        EXPECT_TRUE(loadedValue(keys::IncludeTerminatedApplicationsWhere, bad).isAbsent());
-        EXPECT_EQ(prefs.intForKey(keys::IncludeTerminatedApplicationsWhere), 1);
+    struct Case {
+        const char* key;
+        std::vector<Value> good, bad;
+        Value fallback;
+    } cases[] = {
+        {keys::IncludeTerminatedApplicationsWhere, {Value::int32(2)}, {Value::int32(3), Value::int32(0), "2"}, Value::int32(1)},
+        {keys::QuickCopyPathCommand, {"1666208876", "1666205811"}, {"1666208877", "cPTl", Value::int64(1666208876), ""},
+         "1666215027"},
+        {keys::CheckForUpdatesFrequency, {Value::int32(30)}, {Value::int32(14), "7"}, Value::int32(7)},
+    };
+    for (const Case& c : cases) {
+        for (const Value& good : c.good) EXPECT_EQ(loadedValue(c.key, good), good) << c.key;
+        for (const Value& bad : c.bad) {
+            load(Dictionary{{c.key, bad}});
+            EXPECT_EQ(prefs.objectForKey(c.key), c.fallback) << c.key << " " << toXml(bad);
+        }
     }
-
-    EXPECT_EQ(loadedValue(keys::QuickCopyPathCommand, "1666208876"), Value("1666208876"));
-    EXPECT_EQ(loadedValue(keys::QuickCopyPathCommand, "1666205811"), Value("1666205811"));
-    for (Value bad : {Value("1666208877"), Value("cPTl"), Value(Value::int64(1666208876)), Value("")}) {
-        EXPECT_TRUE(loadedValue(keys::QuickCopyPathCommand, bad).isAbsent());
-        EXPECT_EQ(prefs.stringForKey(keys::QuickCopyPathCommand), "1666215027");
-    }
-
-    EXPECT_EQ(loadedValue(keys::CheckForUpdatesFrequency, Value::int32(30)), Value::int32(30));
-    for (Value bad : {Value(Value::int32(14)), Value("7")})
-        EXPECT_EQ(loadedValue(keys::CheckForUpdatesFrequency, bad), Value::int32(7));
 }
 
 TEST_F(OptionLoaders, MarkApplicationModeCarriesTheOlderSettingOver) {
