@@ -92,42 +92,6 @@ TEST_F(Shortcuts, EditsStoreTheRecordAndTellTheController) {
                                 Dictionary{{keys::CommandId, "1001"}, {keys::KeyCombination, Dictionary{{keys::Enabled, true}}}}}}));
 }
 
-namespace {
-
-class QuietField : public KeyCombinationFieldHost {
-public:
-    Responder focused = nullptr;
-    void beep() override {}
-    void setDisplayString(const std::string&) override {}
-    void makeFirstResponder(Responder responder) override { focused = responder; }
-};
-
-}  // namespace
-
-TEST_F(Shortcuts, RecordingPausesTheHotKeysAndRefusalsAreShown) {
-    load(Dictionary{{keys::KeyboardShortcuts, Dictionary{{"1002", shortcutRecord(KVKeyCombination(0, 40, kCommand), true)}}}});
-    int table = 0;
-    controller.setTable(&table);
-    controller.initializePane(true);
-    view.calls.clear();
-    QuietField host;
-    KVKeyCombinationRecorder field(host, &controller);
-
-    field.becomeFirstResponder();
-    field.keyDown(KeyEvent{37 + 8, eventflags::Command, U"k"});  // ⌘K belongs to "Quit All"
-    field.resignFirstResponder();
-
-    // The tab's test sees the names and the alert; here, the payloads and the beep before the alert.
-    ASSERT_EQ(bus.posted().size(), 2u);
-    for (const Notification& posted : bus.posted())
-        EXPECT_TRUE(posted.object == notifications::PaneObject && !posted.userInfo) << posted.name;
-    EXPECT_FALSE(field.objectValue());
-    EXPECT_EQ(host.focused, &table);
-    ASSERT_EQ(view.calls.size(), 2u);
-    EXPECT_EQ(view.calls[0], "beep");
-    EXPECT_TRUE(view.calls[1].ends_with(" | " + LocalizedString(keystrings::ChooseAnotherCombination) + " | OK"));
-}
-
 TEST_F(Shortcuts, GreyOnlyForADisabledRowNotBeingWorkedOn) {
     using C = ComKestrovaShortcutsController;
     for (int bits = 0; bits < 8; ++bits) {

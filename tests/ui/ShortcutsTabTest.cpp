@@ -96,6 +96,10 @@ TEST_F(ShortcutsTabTest, RecordingInTheCellStoresTheCombinationWhileHotKeysAreSu
     EXPECT_EQ(cell(4, ShortcutsTab::KeyCombinationColumn).data().toString(), QString("⌘K"));
     EXPECT_EQ(postedNames(), (std::vector<std::string>{notifications::SuspendHotKeys, notifications::CorvalisPaneChangedShortcuts,
                                                        notifications::ResumeHotKeys}));
+    for (const Notification& posted : bus.posted())  // suspending and resuming carry no user info
+        EXPECT_TRUE(posted.object == notifications::PaneObject && (posted.userInfo.has_value() ==
+                                                                   (posted.name == notifications::CorvalisPaneChangedShortcuts)))
+            << posted.name;
     EXPECT_TRUE(table()->hasFocus());
 
     // Backspace alone clears it.
