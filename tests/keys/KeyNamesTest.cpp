@@ -65,7 +65,6 @@ TEST(KeyCombinationText, ModifierGlyphsComeShiftControlOptionCommand) {
     EXPECT_EQ(KeyCombination(0, 0, 0x4000 | modifiers::Control), "⌃A");  // other bits are not drawn
     // The kept character plays no part in the name.
     EXPECT_EQ(KeyCombination('z', 40, modifiers::Command), "⌘K");
-    EXPECT_EQ(KVKeyCombination(0, 31, 0x1200).text(), "⇧⌃O");
 }
 
 TEST(KeyCombinationText, KeypadFunctionArrowAndEditingKeys) {
@@ -83,11 +82,9 @@ TEST(KeyCombinationText, LettersFollowTheLayout) {
         std::uint16_t code;
         const char* name;
     };
-    // de: Y and Z swapped, umlauts keep their case; fr: A/Q and Z/W swapped, digits need Shift.
-    Case cases[] = {{"us", 0x10, "Y"}, {"us", 0x06, "Z"}, {"us", 0x12, "1"}, {"us", 0x27, "'"},
-                    {"de", 0x10, "Z"}, {"de", 0x06, "Y"}, {"de", 0x29, "ö"}, {"de", 0x0A, "<"}, {"de", 0x41, "[,]"},
-                    {"fr", 0x00, "Q"}, {"fr", 0x0C, "A"}, {"fr", 0x06, "W"}, {"fr", 0x0D, "Z"}, {"fr", 0x12, "&"},
-                    {"fr", 0x13, "é"}};
+    // de: Y and Z swapped, umlauts keep their case, the keypad has a comma; fr: A/Q swapped, digits need Shift.
+    Case cases[] = {{"us", 0x10, "Y"}, {"us", 0x27, "'"}, {"de", 0x10, "Z"}, {"de", 0x29, "ö"}, {"de", 0x41, "[,]"},
+                    {"fr", 0x00, "Q"}, {"fr", 0x0C, "A"}, {"fr", 0x12, "&"}};
     for (const Case& c : cases) {
         ScopedLayout layout(c.layout);
         EXPECT_EQ(nameOf(c.code), c.name) << c.layout << " " << c.code;
@@ -100,12 +97,10 @@ TEST(KeyCombinationText, DeadKeysAndLongerTextsHaveNoName) {
     {
         ScopedLayout fr("fr");
         EXPECT_EQ(nameOf(0x21), "");  // circumflex
-        EXPECT_EQ(KeyCombination(0, 0x21, modifiers::Command), "⌘");
     }
     {
         ScopedLayout intl("us", "intl");
         EXPECT_EQ(nameOf(0x27), "");  // acute
-        EXPECT_EQ(nameOf(0x32), "");  // grave
         EXPECT_EQ(nameOf(0x28), "K");
     }
     auto& center = KVKeyCombinationCenter::sharedCenter();
@@ -123,21 +118,14 @@ TEST(KeyCombinationText, DeadKeysAndLongerTextsHaveNoName) {
 }
 
 TEST(KeyCombinationText, NamesLeadBackToTheirKeys) {
+    // The hot key conversion's tests go through the letters of real layouts; here, the named keys and ties.
     auto& center = KVKeyCombinationCenter::sharedCenter();
     {
         ScopedLayout us("us");
         EXPECT_EQ(center.stringToVirtualKeyCode("k"), 0x28);
-        EXPECT_EQ(center.stringToVirtualKeyCode("K"), 0x28);
-        EXPECT_EQ(center.stringToVirtualKeyCode("1"), 0x12);
         EXPECT_EQ(center.stringToVirtualKeyCode("F5"), 96);
         EXPECT_EQ(center.stringToVirtualKeyCode("[3]"), 85);
         EXPECT_EQ(center.stringToVirtualKeyCode("é"), std::nullopt);
-    }
-    {
-        ScopedLayout fr("fr");
-        EXPECT_EQ(center.stringToVirtualKeyCode("q"), 0x00);
-        EXPECT_EQ(center.stringToVirtualKeyCode("1"), std::nullopt);  // typed only with Shift
-        EXPECT_EQ(center.stringToVirtualKeyCode("é"), 0x13);
     }
     // The same name on two keys: the higher code wins.
     auto previous = center.layout();
