@@ -94,20 +94,15 @@ TEST_F(ControllerManagerTest, TurningOnOffAndOnAgainStartsQuitsAndKeepsOneLoginI
     ASSERT_TRUE(waitUntil([&] { return running() && startedCount() == 1; }));
     // Saved before the launch: the controller found itself turned on.
     EXPECT_EQ(lastStartSettings()[keys::TurnOnCorvalis], Value(true));
-    ASSERT_EQ(entries().size(), 1u);
-    EXPECT_EQ(desktopFileProblems(entries()[0]), "");
-    EXPECT_EQ(manager._checkLoginItems(), 0);
+    EXPECT_EQ(entries().size(), 1u);
     ProcessHandle first;
     ASSERT_TRUE(manager.isControllerRunning(&first));
 
     view.on = false;
-    TurnOnReport off = manager.onTurnOn();
-    EXPECT_EQ(off.quit, QuitOutcome::Quit);
-    EXPECT_FALSE(processes.IsControllerStillRunning(first));
-    EXPECT_FALSE(running());
+    EXPECT_EQ(manager.onTurnOn().quit, QuitOutcome::Quit);
+    EXPECT_FALSE(processes.IsControllerStillRunning(first));  // gone by the time onTurnOn returns
     EXPECT_TRUE(entries().empty());
     EXPECT_EQ(storedSettings()[keys::TurnOnCorvalis], Value(false));
-    EXPECT_EQ(manager._checkLoginItems(), -1);
 
     view.on = true;
     EXPECT_EQ(manager.onTurnOn().launch, LaunchOutcome::Launched);
@@ -184,7 +179,6 @@ TEST_F(ControllerManagerTest, ImportWhileRunningAndTurnedOnMarksTheImportAndRest
     EXPECT_LT(std::abs(age), 60.0);
     EXPECT_EQ(seen[keys::ShowStatusItem], Value(false));
     EXPECT_TRUE(view.on);
-    EXPECT_EQ(manager._checkLoginItems(), 0);
 }
 
 TEST_F(ControllerManagerTest, ImportTurningOffQuitsTheControllerAndImportWhileStoppedNeverMarks) {
@@ -194,7 +188,6 @@ TEST_F(ControllerManagerTest, ImportTurningOffQuitsTheControllerAndImportWhileSt
     EXPECT_TRUE(report.wasRunning && !report.markedImportDate && report.launch == LaunchOutcome::NotNeeded);
     EXPECT_FALSE(running() || view.on);
     EXPECT_FALSE(storedSettings().contains(keys::ImportFromBackupDate));
-    EXPECT_EQ(storedSettings()[keys::TurnOnCorvalis], Value(false));
     EXPECT_TRUE(entries().empty());
 
     // Imported while stopped, settings that turn it on are started unmarked.
@@ -285,13 +278,10 @@ TEST_F(ControllerManagerTest, AControllerThatCannotBeStartedBeeps) {
     ControllerManager::Options missing = options();
     missing.controllerPath = (tmp / "nowhere" / "Corvalis.app").string();
     ControllerManager manager(prefs, processes, loginItems, view, missing);
-    EXPECT_EQ(manager._launchController(), LaunchOutcome::Failed);
-    EXPECT_EQ(view.beeps, 1);
     view.on = true;
     TurnOnReport report = manager.onTurnOn();
-    EXPECT_EQ(report.launch, LaunchOutcome::Failed);
-    EXPECT_FALSE(report.loginItemAdded);
-    EXPECT_EQ(view.beeps, 2);
+    EXPECT_TRUE(report.launch == LaunchOutcome::Failed && !report.loginItemAdded);
+    EXPECT_EQ(view.beeps, 1);
 
     // A bundle whose program is not executable fails the same way.
     fs::path broken = makeBundle(tmp / "broken", "Corvalis", kControllerBundleIdentifier);
