@@ -11,7 +11,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -53,22 +52,18 @@ private:
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     std::string recordPath;
-    bool ignoreTerm = false, ownName = true;
+    bool ownName = true, usable = true;
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         if (arg == "--record" && i + 1 < argc) recordPath = argv[++i];
-        else if (arg == "--ignore-sigterm") ignoreTerm = true;
+        else if (arg == "--ignore-sigterm") std::signal(SIGTERM, SIG_IGN);
         else if (arg == "--no-bus-name") ownName = false;
-        else {
-            std::fprintf(stderr, "corvalis-test-controller: unknown argument %s\n", arg.c_str());
-            return 2;
-        }
+        else usable = false;
     }
-    if (recordPath.empty()) {
-        std::fprintf(stderr, "usage: corvalis-test-controller --record FILE [options]\n");
+    if (!usable || recordPath.empty()) {
+        std::fprintf(stderr, "usage: corvalis-test-controller --record FILE [--ignore-sigterm] [--no-bus-name]\n");
         return 2;
     }
-    if (ignoreTerm) std::signal(SIGTERM, SIG_IGN);
 
     // One controller at a time, as the real one: a second start gives up.
     if (ownName && !QDBusConnection::sessionBus().registerService(QString::fromLatin1(bus::kControllerBusName)))
