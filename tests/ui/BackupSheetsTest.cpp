@@ -12,7 +12,6 @@
 #include "platform/InProcessNotificationCenter.h"
 #include "plist/PlistIO.h"
 #include "prefs/Backup.h"
-#include "prefs/PaneVersion.h"
 #include "prefs/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
@@ -138,9 +137,7 @@ TEST_F(BackupSheetsTest, ImportRefusesWhatIsNoBackupOfThisVersionAndChangesNothi
     EXPECT_EQ(alert()->text(), "Import Settings from Backup");
     press("OK");
     Dictionary version2{{keys::Settings, Dictionary{{keys::TurnOnCorvalis, true}}}, {keys::Version, Value::int32(2)}};
-    EXPECT_EQ(importFile("v2.cvbu", plist::toXml(version2)),
-              QString("Corvalis %1 cannot read this backup: its format version is 2, and this version reads format 1.")
-                  .arg(kPaneVersion));
+    EXPECT_TRUE(importFile("v2.cvbu", plist::toXml(version2)).contains("format version is 2"));  // the full text is BackupTest's
     press("OK");
     EXPECT_EQ(stored(), before);
     EXPECT_TRUE(calls.isEmpty());
