@@ -325,11 +325,21 @@ std::string DisplayNameAtPath(const std::string& path) {
     return std::string(name);
 }
 
+namespace {
+bool isApplicationExtension(std::string_view extension) {
+    return extension == "app" || extension == "applescript" || extension == "scpt" || extension == "scptd";
+}
+}  // namespace
+
 std::string LocalizedApplicationName(const std::string& path) {
+    // "X.app" ends as "X" whether or not the bundle's extension was hidden first;
+    // only a name like "X.app.app" depends on it, so only then is the disk asked.
+    std::string_view last = lastComponent(path);
+    if (last.size() > 4 && last.ends_with(".app") && !isApplicationExtension(pathExtension(last.substr(0, last.size() - 4))))
+        return std::string(last.substr(0, last.size() - 4));
     std::string name = DisplayNameAtPath(path);
     std::string_view extension = pathExtension(name);
-    if (extension == "app" || extension == "applescript" || extension == "scpt" || extension == "scptd")
-        name.resize(name.size() - extension.size() - 1);
+    if (isApplicationExtension(extension)) name.resize(name.size() - extension.size() - 1);
     return name;
 }
 
