@@ -45,25 +45,28 @@ std::size_t utf8SequenceLength(const unsigned char* p, std::size_t left) {
 
 // Binary "ASCII" strings may carry any byte; such bytes are taken as Latin-1
 // so that every string the program holds is valid UTF-8 and can be written back.
-std::string validUtf8(const char* text) {
+std::string validUtf8(const char* text, std::size_t length) {
     std::string result;
+    result.reserve(length);
     auto* p = reinterpret_cast<const unsigned char*>(text);
-    std::size_t left = std::strlen(text);
-    result.reserve(left);
-    while (left > 0) {
-        if (std::size_t n = utf8SequenceLength(p, left)) {
-            result.append(reinterpret_cast<const char*>(p), n);
+    auto* end = p + length;
+    const unsigned char* run = p;  // start of the valid text not yet copied
+    while (p < end) {
+        std::size_t n = *p < 0x80 ? 1 : utf8SequenceLength(p, static_cast<std::size_t>(end - p));
+        if (n > 0) {
             p += n;
-            left -= n;
-        } else {
-            result += static_cast<char>(0xC0 | (*p >> 6));
-            result += static_cast<char>(0x80 | (*p & 0x3F));
-            ++p;
-            --left;
+            continue;
         }
+        result.append(reinterpret_cast<const char*>(run), static_cast<std::size_t>(p - run));
+        result += static_cast<char>(0xC0 | (*p >> 6));
+        result += static_cast<char>(0x80 | (*p & 0x3F));
+        run = ++p;
     }
+    result.append(reinterpret_cast<const char*>(run), static_cast<std::size_t>(p - run));
     return result;
 }
+
+std::string validUtf8(const char* text) { return validUtf8(text, std::strlen(text)); }
 
 Value fromNode(plist_t node) {
     switch (plist_get_node_type(node)) {
@@ -91,7 +94,7 @@ Value fromNode(plist_t node) {
         // Read in place: libplist's copying getter asserts on text holding a NUL byte.
         std::uint64_t length = 0;
         const char* s = plist_get_string_ptr(node, &length);
-        return Value(validUtf8(s ? s : ""));
+        return Value(s ? validUtf8(s, ::strnlen(s, static_cast<std::size_t>(length))) : std::string());
     }
     case PLIST_KEY: {
         char* s = nullptr;
@@ -100,10 +103,8 @@ Value fromNode(plist_t node) {
         return Value(validUtf8(s ? s : ""));
     }
     case PLIST_DATA: {
-        char* bytes = nullptr;
         std::uint64_t length = 0;
-        plist_get_data_val(node, &bytes, &length);
-        MallocText owned(bytes);
+        const char* bytes = plist_get_data_ptr(node, &length);
         auto* begin = reinterpret_cast<const std::uint8_t*>(bytes);
         return Value(bytes ? Data(begin, begin + length) : Data());
     }
@@ -117,6 +118,7 @@ Value fromNode(plist_t node) {
     case PLIST_ARRAY: {
         Array array;
         std::uint32_t n = plist_array_get_size(node);
+        array.reserve(n);
         for (std::uint32_t i = 0; i < n; ++i) array.append(fromNode(plist_array_get_item(node, i)));
         return array;
     }
@@ -124,7 +126,9 @@ Value fromNode(plist_t node) {
         Dictionary dict;
         plist_dict_iter it = nullptr;
         plist_dict_new_iter(node, &it);
-        for (std::uint32_t i = 0, n = plist_dict_get_size(node); i < n; ++i) {
+        std::uint32_t n = plist_dict_get_size(node);
+        dict.reserve(n);
+        for (std::uint32_t i = 0; i < n; ++i) {
             char* key = nullptr;
             plist_t item = nullptr;
             plist_dict_next_item(node, it, &key, &item);

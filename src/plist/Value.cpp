@@ -31,6 +31,8 @@ const Value& Array::operator[](std::size_t index) const {
 
 void Array::append(Value value) const { items_->push_back(std::move(value)); }
 
+void Array::reserve(std::size_t count) const { items_->reserve(count); }
+
 void Array::insert(std::size_t index, Value value) const {
     index = std::min(index, items_->size());
     items_->insert(items_->begin() + static_cast<std::ptrdiff_t>(index), std::move(value));
@@ -102,7 +104,14 @@ struct Dictionary::Storage {
 Dictionary::Dictionary() : storage_(std::make_shared<Storage>()) {}
 
 Dictionary::Dictionary(std::initializer_list<Entry> entries) : Dictionary() {
+    reserve(entries.size());
     for (const Entry& entry : entries) set(entry.first, entry.second);
+}
+
+void Dictionary::reserve(std::size_t count) const {
+    if (count <= storage_->entries.capacity()) return;
+    storage_->entries.reserve(count);
+    storage_->rebuildIndex();  // the index's views pointed into the old entries
 }
 
 std::size_t Dictionary::size() const { return storage_->entries.size(); }

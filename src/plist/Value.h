@@ -64,6 +64,7 @@ public:
     const Value& operator[](std::size_t index) const;
 
     void append(Value value) const;
+    void reserve(std::size_t count) const;  // room for `count` values without moving them again
     void insert(std::size_t index, Value value) const;  // index clamped to size()
     void set(std::size_t index, Value value) const;     // ignored when out of range
     void removeAt(std::size_t index) const;             // ignored when out of range
@@ -98,6 +99,7 @@ public:
     const Value* find(std::string_view key) const;
 
     void set(std::string key, Value value) const;  // keeps the position of an existing key
+    void reserve(std::size_t count) const;         // room for `count` entries without moving them again
     bool remove(std::string_view key) const;
     void clear() const;
     void replaceContents(const Dictionary& other) const;
