@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "plist/ContentKey.h"
 #include "plist/PlistIO.h"
 
 namespace corvalis {
@@ -158,7 +159,7 @@ std::optional<plist::Dictionary> FileDomainStore::persistentDomainForName(const 
         return std::nullopt;
     }
     // Only a file that did not change while it was read vouches for what was read.
-    if (before && before == stampOf(path)) read_[name] = {domain->deepCopy(), *before};
+    if (before && before == stampOf(path)) read_[name] = {plist::contentKey(*domain), *before};
     return domain;
 }
 
@@ -176,7 +177,7 @@ void FileDomainStore::removePersistentDomainForName(const std::string& name) {
 void FileDomainStore::setPersistentDomain(const plist::Dictionary& domain, const std::string& name) {
     if (!isUsableDomainName(name)) return;
     if (auto it = read_.find(name); it != read_.end()) {
-        if (it->second.contents == domain && stampOf(pathForDomain(name)) == it->second.stamp) {
+        if (plist::hasContentKey(domain, it->second.contentKey) && stampOf(pathForDomain(name)) == it->second.stamp) {
             pending_.erase(name);  // the file already holds it
             return;
         }
@@ -204,7 +205,8 @@ bool FileDomainStore::synchronize(const std::string& name) {
             error = "cannot create " + folder_.string() + ": " + ec.message();
         else
             error = replaceFileAtomically(path, *it->second);
-        removeAbandonedTemporaryFiles(path);
+        // Leftovers come from saves killed in earlier processes: one look per domain is enough.
+        if (swept_.insert(name).second) removeAbandonedTemporaryFiles(path);
     } else if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
         error = std::string("cannot remove: ") + std::strerror(errno);
     }

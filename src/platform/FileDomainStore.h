@@ -40,6 +40,7 @@ private:
     std::filesystem::path folder_;
     std::vector<SetAsideDomain> setAside_;
     std::set<std::string> unmovable_;  // unreadable files that stayed in place: never written over
+    std::set<std::string> swept_;      // domains whose abandoned temporary files were looked for
     std::string lastWriteError_;
 
     // Which file a domain was read from: the same inode, size and modification time mean the same contents.
@@ -54,7 +55,7 @@ private:
     // What each domain file held when it was read, while it still holds it: setting a
     // domain to exactly that writes nothing (loading ends with a save that seldom changes anything).
     struct ReadContents {
-        plist::Dictionary contents;
+        std::string contentKey;
         FileStamp stamp;
     };
     std::map<std::string, ReadContents> read_;

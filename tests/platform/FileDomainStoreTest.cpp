@@ -71,6 +71,14 @@ TEST(FileDomainStore, WritingBackWhatWasReadLeavesTheFileAlone) {
     store.setPersistentDomain(read, "com.example.app");
     ASSERT_TRUE(store.synchronize("com.example.app"));
     EXPECT_EQ(FileDomainStore(dir.path()).persistentDomainForName("com.example.app"), read);
+
+    // Numerically equal is not the same contents: 1 becoming 1.0 reaches the file.
+    FileDomainStore again(dir.path());
+    Dictionary reread = *again.persistentDomainForName("com.example.app");
+    reread.set("A", Value::real64(1.0));
+    again.setPersistentDomain(reread, "com.example.app");
+    ASSERT_TRUE(again.synchronize("com.example.app"));
+    EXPECT_EQ((*FileDomainStore(dir.path()).persistentDomainForName("com.example.app"))["A"].type(), plist::Type::Real);
 }
 
 TEST(FileDomainStore, UnreadableFilesAreMovedAsideNeverOverwritten) {
