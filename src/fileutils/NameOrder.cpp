@@ -153,8 +153,13 @@ std::string NewUniqueCommandId(const plist::Array& groups) {
         if (id) ids.push_back(*id);
     }
     if (ids.empty()) return std::to_string(kFirstId);
-    std::stable_sort(ids.begin(), ids.end(),
-                     [](const std::string& a, const std::string& b) { return finderCompare(a, b) < 0; });
+    // Loading gives every group without an id one, asking again each time: keys made
+    // once per id keep that from collating the same texts over and over.
+    std::vector<std::pair<std::string, std::string>> keyed;
+    keyed.reserve(ids.size());
+    for (std::string& id : ids) keyed.emplace_back(FinderCollator::user().sortKey(id), std::move(id));
+    std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (std::size_t i = 0; i < ids.size(); ++i) ids[i] = std::move(keyed[i].second);
     std::int64_t last = records::leadingIntValue(ids.front());
     if (last > static_cast<std::int64_t>(kFirstId)) return std::to_string(kFirstId);
     // Only the run that starts at the smallest id is followed; a gap after it
