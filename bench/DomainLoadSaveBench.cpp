@@ -65,8 +65,8 @@ void LibplistParseAndWrite(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(CorvalisLoadAndSave)->Unit(benchmark::kMillisecond)->MinTime(2.0);
-BENCHMARK(LibplistParseAndWrite)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(CorvalisLoadAndSave)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(LibplistParseAndWrite)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 
 int main(int argc, char** argv) {
     if (argc < 2) {
