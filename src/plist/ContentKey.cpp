@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace corvalis::plist {
 
@@ -61,13 +62,28 @@ bool put(Sink& sink, const Value& value) {
         for (const Value& item : *value.array())
             if (!put(sink, item)) return false;
         return sink.put("e", 1);
-    case Type::Dictionary:
+    case Type::Dictionary: {
+        // Entries in key order: a domain whose keys only moved holds the same settings.
+        const Dictionary& dict = *value.dictionary();
+        constexpr std::size_t kInline = 16;
+        const Dictionary::Entry* inlineEntries[kInline];
+        std::vector<const Dictionary::Entry*> heapEntries;
+        const Dictionary::Entry** entries = inlineEntries;
+        if (dict.size() > kInline) {
+            heapEntries.resize(dict.size());
+            entries = heapEntries.data();
+        }
+        std::size_t count = 0;
+        for (const Dictionary::Entry& entry : dict)
+            if (!entry.second.isAbsent()) entries[count++] = &entry;
+        std::sort(entries, entries + count, [](const auto* a, const auto* b) { return a->first < b->first; });
         if (!sink.put("D", 1)) return false;
-        for (const auto& [key, item] : *value.dictionary()) {
-            if (item.isAbsent()) continue;
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto& [key, item] = *entries[i];
             if (!putText(sink, 'k', key.data(), key.size()) || !put(sink, item)) return false;
         }
         return sink.put("e", 1);
+    }
     }
     return false;
 }

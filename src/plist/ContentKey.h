@@ -1,7 +1,8 @@
 #pragma once
 // A flat byte string standing for a value's contents: two values get the same
-// key exactly when they would be written to a file the same way. Cheaper to
-// make and to keep than a deep copy, and exact, unlike a hash.
+// key exactly when they hold the same typed values (a dictionary's key order
+// aside), as a file would store them. Cheaper to make and to keep than a deep
+// copy, and exact, unlike a hash.
 
 #include <string>
 #include <string_view>

@@ -46,7 +46,7 @@ TEST(FileDomainStore, WritesBinaryReadsBothAndReplacesWholeDomains) {
 TEST(FileDomainStore, WritingBackWhatWasReadLeavesTheFileAlone) {
     test::TempDir dir;
     FileDomainStore writer(dir.path());
-    writer.setPersistentDomain(Dictionary{{"A", Value::int32(1)}}, "com.example.app");
+    writer.setPersistentDomain(Dictionary{{"A", Value::int32(1)}, {"Z", "z"}}, "com.example.app");
     ASSERT_TRUE(writer.synchronize("com.example.app"));
     fs::path file = writer.pathForDomain("com.example.app");
     auto inode = [&] {
@@ -60,6 +60,9 @@ TEST(FileDomainStore, WritingBackWhatWasReadLeavesTheFileAlone) {
     store.setPersistentDomain(read, "com.example.app");
     ASSERT_TRUE(store.synchronize("com.example.app"));
     EXPECT_EQ(inode(), before);  // not replaced
+    store.setPersistentDomain(Dictionary{{"Z", "z"}, {"A", Value::int32(1)}}, "com.example.app");
+    ASSERT_TRUE(store.synchronize("com.example.app"));
+    EXPECT_EQ(inode(), before);  // keys that only moved are the same settings
 
     // The same value again after someone else rewrote the file is written, as is a change.
     writer.setPersistentDomain(Dictionary{{"A", Value::int64(1)}}, "com.example.app");  // another width
