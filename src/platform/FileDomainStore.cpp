@@ -71,9 +71,17 @@ FileReadResult readWholeFile(const fs::path& path) {
     return result;
 }
 
+// ".NAME." for the file NAME: the start of the names of its temporary files.
+std::string temporaryPrefix(const fs::path& path) {
+    std::string prefix = ".";
+    prefix += path.filename().string();
+    prefix += '.';
+    return prefix;
+}
+
 // Writes `bytes` to a temporary file beside `path`, flushes it and renames it over `path`.
 std::string replaceFileAtomically(const fs::path& path, const std::vector<std::uint8_t>& bytes) {
-    std::string temp = (path.parent_path() / ("." + path.filename().string() + ".XXXXXX")).string();
+    std::string temp = (path.parent_path() / (temporaryPrefix(path) + "XXXXXX")).string();
     int fd = ::mkostemp(temp.data(), O_CLOEXEC);
     if (fd < 0) return std::string("cannot create a temporary file: ") + std::strerror(errno);
     std::string error;
@@ -98,7 +106,7 @@ std::string replaceFileAtomically(const fs::path& path, const std::vector<std::u
 // behind; clear those that are clearly abandoned (another process may be
 // writing a fresh one right now).
 void removeAbandonedTemporaryFiles(const fs::path& path) {
-    std::string prefix = "." + path.filename().string() + ".";
+    std::string prefix = temporaryPrefix(path);
     auto cutoff = fs::file_time_type::clock::now() - std::chrono::minutes(10);
     std::error_code ec;
     for (fs::directory_iterator it(path.parent_path(), ec), end; !ec && it != end; it.increment(ec)) {
