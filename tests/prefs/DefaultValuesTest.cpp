@@ -22,7 +22,10 @@ TEST(DefaultValues, BuiltOnceWhateverTheScreenDoesLater) {
     setMainScreenWidthSource(nullptr);
     EXPECT_TRUE(first.isSameObject(second));
     EXPECT_EQ(second, snapshot);
+    // The preview sizes are the screen's row of a table; 1920 starts a row of its own.
     EXPECT_TRUE(first[keys::ArtworkMaxSize].real()->is32Bit);
+    EXPECT_EQ(first[keys::ArtworkMaxSize].doubleValue(), 240);
+    EXPECT_EQ(artworkSizeForScreenWidth(1919), 200);
 }
 
 // The values themselves are checked on a fresh domain by the command-line test; these are the
@@ -41,25 +44,4 @@ TEST(DefaultValues, WidthsAreThoseTheControllerReads) {
     }
     for (const char* key : {keys::PanelButtons, keys::StatusItemButtons})
         for (const Value& button : *d[key].array()) EXPECT_EQ(widthOf((*button.dictionary())[keys::Color]), IntWidth::Int16);
-}
-
-// The rows are the sizes table; what is checked is that each boundary width belongs to the row above it.
-TEST(DefaultPreviewSizes, EachWidthBoundaryPicksItsRow) {
-    struct Row {
-        double width;
-        float artwork, image, movie, other;
-    };
-    const Row rows[] = {{799, 100, 150, 200, 200}, {800, 100, 200, 200, 200}, {1919, 200, 400, 300, 400},
-                        {1920, 240, 400, 360, 450}, {5120, 300, 480, 360, 500}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(artworkSizeForScreenWidth(row.width), row.artwork) << row.width;
-        EXPECT_EQ(imageSizeForScreenWidth(row.width), row.image) << row.width;
-        EXPECT_EQ(movieSizeForScreenWidth(row.width), row.movie) << row.width;
-        EXPECT_EQ(otherFileSizeForScreenWidth(row.width), row.other) << row.width;
-    }
-    setMainScreenWidthSource([] { return 1344.0; });
-    EXPECT_EQ(PDFDefaultSize(), 320);
-    EXPECT_EQ(TextFileDefaultSize(), 320);
-    setMainScreenWidthSource(nullptr);
-    EXPECT_EQ(MovieDefaultSize(), 200);  // no screen
 }
