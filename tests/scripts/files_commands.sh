@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # files_commands.sh PREFS: "corvalis-prefs examine" on Mach-O files compiled here
 # must report the architecture records llvm-objdump reads from them, and
-# "corvalis-prefs apps" must list a real tree's applications sorted, once each.
+# "corvalis-prefs apps" must list a real tree's applications sorted, once each
+# (what the walk finds is the unit tests'; here, the command's own listing).
 set -euo pipefail
 prefs="$1"
 here="$(cd "$(dirname "$0")" && pwd)"
@@ -54,7 +55,7 @@ set +e
 "$prefs" apps "$work" --depth -1 2>/dev/null; [ $? -eq 2 ] || fail "a negative depth is a usage error"
 set -e
 
-# A tree with an application reached twice through links, numbered names and a desktop entry.
+# A tree with an application reached twice through links.
 make_app() { mkdir -p "$1/Contents" && printf '<plist><dict/></plist>' > "$1/Contents/Info.plist"; }
 tree="$work/tree"
 make_app "$tree/App 10.app"
@@ -63,10 +64,8 @@ make_app "$work/elsewhere/Shared.app"
 mkdir -p "$tree/links1" "$tree/links2"
 ln -s "$work/elsewhere/Shared.app" "$tree/links1/Shared.app"
 ln -s "$work/elsewhere/Shared.app" "$tree/links2/Shared.app"
-printf '[Desktop Entry]\nType=Application\nName=zed editor\nExec=true\n' > "$tree/zed.desktop"
 real="$(cd "$work" && pwd -P)"
-expected="$(printf 'App 9\t%s\nApp 10\t%s\nShared\t%s\nzed editor\t%s' \
-  "$real/tree/sub/App 9.app" "$real/tree/App 10.app" "$real/elsewhere/Shared.app" "$real/tree/zed.desktop")"
+expected="$(printf 'App 9\t%s\nApp 10\t%s\nShared\t%s' "$real/tree/sub/App 9.app" "$real/tree/App 10.app" "$real/elsewhere/Shared.app")"
 [ "$("$prefs" apps "$tree")" = "$expected" ] || fail "apps of the tree:"$'\n'"$("$prefs" apps "$tree")"
-[ "$("$prefs" apps "$tree" --depth 1 | cut -f1 | tr '\n' ,)" = "App 10,zed editor," ] || fail "apps --depth 1"
+[ "$("$prefs" apps "$tree" --depth 1 | cut -f1 | tr '\n' ,)" = "App 10," ] || fail "apps --depth 1"
 echo "files commands: ok"
