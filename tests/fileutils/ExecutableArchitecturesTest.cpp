@@ -41,10 +41,8 @@ std::string machine() {
     return names.machine;
 }
 
+// Files as tools write them are compared with llvm-objdump by files_commands.sh; here, what no tool writes.
 TEST(ExecutableHeader, ThinAndFatHeadersInEitherByteOrder) {
-    auto bigPowerPC = architecturesFromHeader(words({MH_MAGIC, CPU_TYPE_POWERPC, CPU_SUBTYPE_POWERPC_970}, true));
-    EXPECT_EQ(bigPowerPC, (Records{{CPU_TYPE_POWERPC, CPU_SUBTYPE_POWERPC_970}}));
-    EXPECT_EQ(architecturesFromHeader(words({MH_MAGIC_64, CPU_TYPE_ARM64, 2}, false)), (Records{{CPU_TYPE_ARM64, 2}}));
     EXPECT_EQ(architecturesFromHeader(fat(CPU_TYPE_POWERPC, CPU_TYPE_I386, 2, 512)),
               (Records{{CPU_TYPE_POWERPC, 0, 4096, 28, 12}, {CPU_TYPE_I386, 3, 8192, 28, 12}}));
     // A fat header already in this machine's order is used as it stands.

@@ -46,10 +46,6 @@ TEST_F(GroupLoaders, ThereIsAlwaysExactlyOneExcludedGroup) {
                                                   excludedGroup(Array{app("/a/Second.app")})}}});
     ASSERT_EQ(groupNames(loaded), Names{"Excluded Applications"});
     EXPECT_EQ(namesOf(group(loaded, "Excluded Applications")[keys::Applications]), Names{"First"});
-
-    // An empty list, or one of the wrong type, gets the factory group.
-    for (Value stored : {Value(Array()), Value(Value::int32(3))})
-        EXPECT_EQ(groupNames(load(Dictionary{{keys::Groups, stored}})), Names{"Excluded Applications"});
 }
 
 TEST_F(GroupLoaders, ArrangingSortsWhatArrangeWhatNames) {
