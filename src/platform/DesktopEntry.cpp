@@ -48,12 +48,13 @@ std::optional<DesktopEntry> DesktopEntry::read(const std::string& path) {
     if (path.size() < 8 || path.compare(path.size() - 8, 8, ".desktop") != 0) return std::nullopt;
     std::ifstream in(path, std::ios::binary);
     if (!in) return std::nullopt;
+    // Read in small steps: entries are a few hundred bytes, and a huge file is not one.
     std::string text;
-    text.resize(kMaxDesktopEntryBytes + 1);
-    in.read(text.data(), static_cast<std::streamsize>(text.size()));
-    auto got = static_cast<std::size_t>(in.gcount());
-    if (got > kMaxDesktopEntryBytes) return std::nullopt;
-    text.resize(got);
+    char chunk[4096];
+    while (in.read(chunk, sizeof chunk) || in.gcount() > 0) {
+        text.append(chunk, static_cast<std::size_t>(in.gcount()));
+        if (text.size() > kMaxDesktopEntryBytes) return std::nullopt;
+    }
     DesktopEntry entry = parse(text);
     if (entry.values_.empty()) return std::nullopt;
     return entry;

@@ -7,8 +7,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "fileutils/PathResolution.h"
@@ -80,8 +78,6 @@ std::optional<std::string> programOfExec(const std::string& exec) {
 
 namespace {
 
-// Desktop entries are a few hundred bytes; a huge file is not one of them.
-constexpr std::uintmax_t kMaxEntryBytes = 256 * 1024;
 constexpr int kMaxNameCandidates = 1000;
 
 struct EntryKeys {
@@ -90,13 +86,9 @@ struct EntryKeys {
 
 // The keys of the [Desktop Entry] group that tell what an entry starts; the first occurrence counts.
 std::optional<EntryKeys> readEntry(const fs::path& file) {
-    std::error_code error;
-    if (fs::file_size(file, error) > kMaxEntryBytes || error) return std::nullopt;
-    std::ifstream in(file, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    DesktopEntry entry = DesktopEntry::parse(text);
-    auto value = [&](const char* key) { return entry.value(key).value_or(""); };
+    std::optional<DesktopEntry> entry = DesktopEntry::read(file.string());
+    if (!entry) return std::nullopt;
+    auto value = [&](const char* key) { return entry->value(key).value_or(""); };
     return EntryKeys{value("Type"), value("Name"), value("Exec"), value("Hidden")};
 }
 
