@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <array>
@@ -32,20 +33,32 @@ namespace {
 constexpr int kAliasSearchDepth = 3;
 constexpr std::size_t kAliasSearchMaxEntries = 5000;
 
-// The file's birth time, 0 when the file system keeps none.
-std::uint64_t birthTimeNs(const std::string& path) {
+// What tells one file from another, from a single statx call.
+struct FileKey {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::uint64_t birthNs = 0;  // 0 when the file system keeps no birth time
+    bool isDirectory = false;
+};
+
+std::optional<FileKey> fileKeyOf(const std::string& path, bool followLinks) {
     struct statx info {};
-    if (::statx(AT_FDCWD, path.c_str(), 0, STATX_BTIME, &info) != 0 || !(info.stx_mask & STATX_BTIME))
-        return 0;
-    return static_cast<std::uint64_t>(info.stx_btime.tv_sec) * 1000000000u + info.stx_btime.tv_nsec;
+    if (!isPathWithinLimit(path) ||
+        ::statx(AT_FDCWD, path.c_str(), followLinks ? 0 : AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_INO | STATX_BTIME, &info) != 0)
+        return std::nullopt;
+    FileKey key;
+    key.device = makedev(info.stx_dev_major, info.stx_dev_minor);
+    key.inode = info.stx_ino;
+    if (info.stx_mask & STATX_BTIME)
+        key.birthNs = static_cast<std::uint64_t>(info.stx_btime.tv_sec) * 1000000000u + info.stx_btime.tv_nsec;
+    key.isDirectory = S_ISDIR(info.stx_mode);
+    return key;
 }
 
 // Same device and inode, and (where both are known) the same birth: inodes are reused soon after a file goes.
-bool isFileOf(const FileIdentity& identity, const std::string& path, const struct stat& info) {
-    if (static_cast<std::uint64_t>(info.st_dev) != identity.device || static_cast<std::uint64_t>(info.st_ino) != identity.inode)
-        return false;
-    std::uint64_t birth = identity.birthNs ? birthTimeNs(path) : 0;
-    return birth == 0 || birth == identity.birthNs;
+bool isFileOf(const FileIdentity& identity, const FileKey& key) {
+    return key.device == identity.device && key.inode == identity.inode &&
+           (identity.birthNs == 0 || key.birthNs == 0 || key.birthNs == identity.birthNs);
 }
 
 bool statPath(const std::string& path, struct stat& info) {
@@ -164,13 +177,13 @@ std::optional<std::string> findMovedFile(const FileIdentity& identity) {
                 if (budget == 0) break;
                 --budget;
                 std::string path = folder == "/" ? "/" + name : folder + "/" + name;
-                struct stat info {};
-                if (!lstatPath(path, info) || info.st_dev != identity.device) continue;
-                if (isFileOf(identity, path, info)) {
+                std::optional<FileKey> key = fileKeyOf(path, false);
+                if (!key || key->device != identity.device) continue;
+                if (isFileOf(identity, *key)) {
                     ::closedir(dir);
                     return path;
                 }
-                if (S_ISDIR(info.st_mode) && depth < kAliasSearchDepth && !hasPackageExtension(name))
+                if (key->isDirectory && depth < kAliasSearchDepth && !hasPackageExtension(name))
                     folders.emplace_back(path, depth + 1);
             }
             ::closedir(dir);
@@ -346,10 +359,9 @@ std::string LocalizedApplicationName(const std::string& path) {
 std::string LocalizedFolderName(const std::string& path) { return DisplayNameAtPath(path); }
 
 std::optional<plist::Data> AliasData(const std::string& path, const Workspace& workspace) {
-    struct stat info {};
-    if (!statPath(path, info)) return std::nullopt;
-    FileIdentity identity{path, static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino), "",
-                          birthTimeNs(path)};
+    std::optional<FileKey> key = fileKeyOf(path, true);
+    if (!key) return std::nullopt;
+    FileIdentity identity{path, key->device, key->inode, "", key->birthNs};
     if (IsApplication(path)) identity.bundleIdentifier = workspace.bundleIdentifierForApplication(path).value_or("");
     return encodeAliasRecord(identity);
 }
@@ -373,8 +385,7 @@ AliasResolution ResolveAliasData(const plist::Data& aliasData, const Workspace& 
         if (classic && fileExistsAtPath(*classic)) return found(*classic);
         return {};
     }
-    struct stat info {};
-    if (statPath(identity->path, info) && isFileOf(*identity, identity->path, info))
+    if (std::optional<FileKey> key = fileKeyOf(identity->path, true); key && isFileOf(*identity, *key))
         return AliasResolution{identity->path, false, std::nullopt};
     if (auto moved = findMovedFile(*identity)) return found(*moved);
     if (!identity->bundleIdentifier.empty())
