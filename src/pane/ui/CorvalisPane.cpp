@@ -123,6 +123,8 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
         tabs_->addTab(page, localized(identifier));
     }
     layout->addWidget(tabs_, 1);
+    // Key names follow the user's layout, read once here for every tab that shows keys.
+    useSystemKeyboardLayout();
     shortcutsController_ = std::make_unique<ShortcutsTab>(*prefs_, *distributed_, tabs_->findChild<QWidget*>("Shortcuts"),
                                                           window_, keyCombinationValidator_.get());
     connect(onOffSwitch_, &KVSwitchControl::clicked, this, &ComKestrovaCorvalis_PrefsPane::onTurnOn);
@@ -135,7 +137,6 @@ void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
     onOffSwitch_->setChecked(prefs_->boolForKey(keys::TurnOnCorvalis));
     showSwitchState();
 
-    useSystemKeyboardLayout();
     keyCombinationValidator_->initializeHotKeys();
     shortcutsController_->initializePane(true);
     if (!KVOperatingSystem::is10_7orLater()) {
