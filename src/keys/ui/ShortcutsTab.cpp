@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <functional>
 
+#include "controls/AlertSheet.h"
 #include "controls/KVTableView.h"
 #include "controls/LocalizedText.h"
 #include "keys/KVKeyCombinationCenter.h"
@@ -191,12 +192,8 @@ void ShortcutsTab::scrollRowToVisible(int row) {
 void ShortcutsTab::beep() { QApplication::beep(); }
 
 void ShortcutsTab::showAlert(const std::string& title, const std::string& informativeText, const std::string& button) {
-    auto* alert = new QMessageBox(window_);
-    alert->setWindowModality(Qt::WindowModal);
-    alert->setAttribute(Qt::WA_DeleteOnClose);
-    alert->setIcon(QMessageBox::Warning);
-    alert->setText(QString::fromStdString(title));
-    alert->setInformativeText(QString::fromStdString(informativeText));
+    QMessageBox* alert = makeAlertSheet(window_, QMessageBox::Warning, QString::fromStdString(title),
+                                        QString::fromStdString(informativeText));
     alert->setDefaultButton(alert->addButton(QString::fromStdString(button), QMessageBox::AcceptRole));
     alert_ = alert;
     alert->open();

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QStandardPaths>
 
+#include "controls/AlertSheet.h"
 #include "controls/LocalizedText.h"
 #include "fileutils/KVOperatingSystem.h"
 #include "fileutils/PathResolution.h"
@@ -90,21 +91,14 @@ QMessageBox* BackupSheets::currentAlert() const { return alert_; }
 
 bool BackupSheets::busy() const { return panelOpen_ || (alert_ && alert_->isVisible()); }
 
-QMessageBox* BackupSheets::_alert(const QString& message, const QString& informative) {
-    auto* box = new QMessageBox(window_);
-    box->setWindowModality(Qt::WindowModal);
-    box->setWindowTitle(message);
-    box->setText(message);
-    box->setInformativeText(informative);
-    connect(box, &QDialog::finished, box, &QObject::deleteLater);
-    alert_ = box;
-    return box;
+QMessageBox* BackupSheets::_alert(QMessageBox::Icon icon, const QString& message, const QString& informative) {
+    alert_ = makeAlertSheet(window_, icon, message, informative);
+    return alert_;
 }
 
 namespace {
 
-void showWithOK(QMessageBox* box, QMessageBox::Icon icon) {
-    box->setIcon(icon);
+void showWithOK(QMessageBox* box) {
     box->setDefaultButton(box->addButton(localized("OK"), QMessageBox::AcceptRole));
     box->open();
 }
@@ -132,9 +126,9 @@ void BackupSheets::_backUpTo(QString path) {
     std::string error;
     if (writeBackupFile(nativePath(path), prefs_.loadFromDefaults(), error)) return;
     QString message = localizedFormat("BackUpSettingsError", {path.toStdString()});
-    QMessageBox* box = _alert(localized("BackUpSettings"), message);
+    QMessageBox* box = _alert(QMessageBox::Warning, localized("BackUpSettings"), message);
     box->setDetailedText(QString::fromStdString(error));
-    showWithOK(box, QMessageBox::Warning);
+    showWithOK(box);
 }
 
 // ---- Import ----------------------------------------------------------------------
@@ -156,13 +150,12 @@ void BackupSheets::_importFrom(const QString& path) {
     std::string name = DisplayNameAtPath(nativePath(path));
     if (contents.check != BackupCheck::Valid) {
         QString message = QString::fromStdString(backupErrorText(contents, name));
-        showWithOK(_alert(localized("ImportFromBackup"), message), QMessageBox::Warning);
+        showWithOK(_alert(QMessageBox::Warning, localized("ImportFromBackup"), message));
         return;
     }
-    QMessageBox* box = _alert(localizedFormat("WantToReplaceSettings1", {name}),
+    QMessageBox* box = _alert(QMessageBox::Question, localizedFormat("WantToReplaceSettings1", {name}),
                               KVOperatingSystem::is10_7orLater() ? localized("WantToReplaceSettings2")
                                                                  : localized("WantToReplaceSettings3"));
-    box->setIcon(QMessageBox::Question);
     QPushButton* replace = box->addButton(localized("ReplaceSettings"), QMessageBox::AcceptRole);
     QPushButton* cancel = box->addButton(localized("Cancel"), QMessageBox::RejectRole);
     box->setDefaultButton(replace);
@@ -211,7 +204,7 @@ void BackupSheets::_showSettingsReplaced(bool importSaved, const QString& report
     QString informative =
         lines.isEmpty() ? localized("SettingsReplaced2") : localized("SettingsReplaced3") + QLatin1Char('\n') + lines;
     if (!importSaved) informative += QStringLiteral("\n\n") + localized("ImportedSettingsNotSaved");
-    showWithOK(_alert(localized("SettingsReplaced1"), informative), QMessageBox::Information);
+    showWithOK(_alert(QMessageBox::Information, localized("SettingsReplaced1"), informative));
 }
 
 }  // namespace corvalis

@@ -8,6 +8,7 @@
 // to hide it, because Linux file managers keep no per-file "extension hidden" flag
 // that such a choice could set.
 
+#include <QMessageBox>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -16,7 +17,6 @@
 
 #include "plist/Value.h"
 
-class QMessageBox;
 class QWidget;
 
 namespace corvalis {
@@ -64,7 +64,7 @@ private:
     void _replaceSettings(const plist::Dictionary& settings);
     void _askAboutControllerThatDoesNotQuit(bool importSaved, QString report);
     void _showSettingsReplaced(bool importSaved, const QString& report);
-    QMessageBox* _alert(const QString& message, const QString& informative);
+    QMessageBox* _alert(QMessageBox::Icon icon, const QString& message, const QString& informative);
     bool busy() const;
 
     CorvalisPreferences& prefs_;
