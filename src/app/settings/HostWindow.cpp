@@ -33,7 +33,7 @@ QSettings windowSettings() { return QSettings("Kestrova", "corvalis-settings"); 
 
 }  // namespace
 
-HostWindow::HostWindow() { setWindowTitle("Corvalis"); }
+HostWindow::HostWindow() = default;
 
 bool HostWindow::loadPane(const QString& pluginPath, QString* error) {
     QPluginLoader loader(pluginPath);
@@ -43,6 +43,7 @@ bool HostWindow::loadPane(const QString& pluginPath, QString* error) {
         return false;
     }
     pane_ = plugin->createPane(this);
+    setWindowTitle(pane_->label());
     // The icon is one of the pane's images: there once the plugin is loaded.
     setWindowIcon(QIcon(":/images/CorvalisIcon.svg"));
     setCentralWidget(pane_->loadMainView());

@@ -312,6 +312,8 @@ void ComKestrovaCorvalis_PrefsPane::onAbout() {
     aboutSheet_->open();
 }
 
+QString ComKestrovaCorvalis_PrefsPane::label() const { return localized("PaneLabel"); }
+
 QStringList ComKestrovaCorvalis_PrefsPane::screenshotViews() const {
     QStringList views;
     for (int i = 0; i < tabs_->count(); ++i) views << "tab-" + tabs_->widget(i)->objectName();

@@ -46,6 +46,7 @@ public:
     UnselectReply shouldUnselect() override;
     void willUnselect() override;
     void didUnselect() override;
+    QString label() const override;
     QStringList screenshotViews() const override;
     bool showScreenshotView(const QString& name) override;
 

@@ -17,6 +17,9 @@ public:
 
     virtual ~PreferencePane() = default;
 
+    // The pane's name as the host shows it, in the user's language.
+    virtual QString label() const = 0;
+
     // Makes the main view (once), sets it up, and runs mainViewDidLoad.
     virtual QWidget* loadMainView() = 0;
     virtual QWidget* mainView() const = 0;
