@@ -134,7 +134,7 @@ bool WalkContext::hasVisited(const FolderIdentity& folder) const {
     return std::find(visitedFolders.begin(), visitedFolders.end(), folder) != visitedFolders.end();
 }
 
-void InsertApplication(const std::string& path, const plist::Array& applications) {
+void InsertApplication(const std::string& path, plist::Array& applications) {
     applications.append(plist::Dictionary{{keys::Name, LocalizedApplicationName(path)}, {keys::Path, path}});
 }
 
@@ -145,7 +145,7 @@ bool SameFolder(const std::string& first, const std::string& second) {
     return a && b && *a == *b;
 }
 
-void IterateContainerLevel(WalkContext& context, const plist::Array& applications) {
+void IterateContainerLevel(WalkContext& context, plist::Array& applications) {
     const std::string folder = context.currentPath;
     const FolderIdentity folderIdentity = context.currentIdentity;
     context.visitedFolders.push_back(folderIdentity);
@@ -201,7 +201,7 @@ void IterateContainerLevel(WalkContext& context, const plist::Array& application
 }
 
 std::int16_t InsertApplicationsFromFolder(const std::string& folder, std::int32_t maximumLevels,
-                                          const plist::Array& applications) {
+                                          plist::Array& applications) {
     if (!isPathWithinLimit(folder)) return kFnfErr;
     std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(folder.c_str(), nullptr), &std::free);
     if (!resolved) return statusForErrno(errno);

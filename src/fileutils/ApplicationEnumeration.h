@@ -54,13 +54,13 @@ struct WalkContext {
 // limit). Items come in name order, each subfolder walked where it is met.
 // Returns the final status; entries found before an error stay in the array.
 std::int16_t InsertApplicationsFromFolder(const std::string& folder, std::int32_t maximumLevels,
-                                          const plist::Array& applications);
+                                          plist::Array& applications);
 
 // Walks the level whose folder is context.currentPath, recursing into subfolders.
-void IterateContainerLevel(WalkContext& context, const plist::Array& applications);
+void IterateContainerLevel(WalkContext& context, plist::Array& applications);
 
 // Appends {"Name": LocalizedApplicationName(path), "Path": path}.
-void InsertApplication(const std::string& path, const plist::Array& applications);
+void InsertApplication(const std::string& path, plist::Array& applications);
 
 // Both paths name existing folders (links followed) that are the same file.
 bool SameFolder(const std::string& first, const std::string& second);

@@ -134,7 +134,7 @@ int SortByPathAndUpdated(const plist::Value& a, const plist::Value& b) {
     return updated(a) == updated(b) ? 0 : updated(a) ? 1 : -1;
 }
 
-void sortUsingFunction(const plist::Array& array, EntryComparator comparator) {
+void sortUsingFunction(plist::Array& array, EntryComparator comparator) {
     std::vector<plist::Value> values(array.begin(), array.end());
     std::stable_sort(values.begin(), values.end(),
                      [comparator](const plist::Value& a, const plist::Value& b) { return comparator(a, b) < 0; });

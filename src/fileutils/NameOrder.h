@@ -56,7 +56,7 @@ int SortByPathAndUpdated(const plist::Value& a, const plist::Value& b);
 
 using EntryComparator = int (*)(const plist::Value&, const plist::Value&);
 // Sorts the array in place (stable; equal entries keep their order).
-void sortUsingFunction(const plist::Array& array, EntryComparator comparator);
+void sortUsingFunction(plist::Array& array, EntryComparator comparator);
 
 // The command id for a new group hot key, from the "CommandID"s of the groups'
 // "KeyboardShortcut"s: "2000" when there are none or the smallest is 2001 or more;

@@ -69,7 +69,7 @@ bool check(const Reference& reference, const Workspace& workspace) {
     return true;
 }
 
-bool checkRecord(const plist::Dictionary& record, std::function<std::optional<std::string>(const std::string&)> nameFor,
+bool checkRecord(plist::Dictionary& record, std::function<std::optional<std::string>(const std::string&)> nameFor,
                  const Workspace& workspace) {
     const std::string* path = record[keys::Path].string();
     if (!path) return false;
@@ -112,12 +112,12 @@ bool isUrlCharacter(char c) {
 
 }  // namespace
 
-bool CheckPath(const plist::Dictionary& record, const Workspace& workspace) {
+bool CheckPath(plist::Dictionary& record, const Workspace& workspace) {
     return checkRecord(record, [](const std::string& path) { return LocalizedApplicationName(path); }, workspace);
 }
 
-bool CheckOpenMenuItemPath(const plist::Dictionary& record, const Workspace& workspace) {
-    bool nameIsCustom = record[keys::NameIsCustom].boolValue().value_or(false);
+bool CheckOpenMenuItemPath(plist::Dictionary& record, const Workspace& workspace) {
+    bool nameIsCustom = record[keys::NameIsCustom].toBool().value_or(false);
     return checkRecord(
         record,
         [nameIsCustom](const std::string& path) -> std::optional<std::string> {

@@ -19,10 +19,10 @@ inline constexpr int kNoErr = 0;
 inline constexpr int kFileNotFoundErr = -43;
 
 // Repairs a record's "Path", "Name" (LocalizedApplicationName) and "AliasData"; true when it changed the record.
-bool CheckPath(const plist::Dictionary& record, const Workspace& workspace = Workspace::shared());
+bool CheckPath(plist::Dictionary& record, const Workspace& workspace = Workspace::shared());
 // As CheckPath for an Open menu item: the name is the display name, and none is
 // written when "NameIsCustom" is true.
-bool CheckOpenMenuItemPath(const plist::Dictionary& record, const Workspace& workspace = Workspace::shared());
+bool CheckOpenMenuItemPath(plist::Dictionary& record, const Workspace& workspace = Workspace::shared());
 // As CheckPath on loose values; a failed resolution empties `aliasData` (and answers true).
 bool CheckNewPath(std::string& path, std::string& name, std::optional<plist::Data>& aliasData,
                   const Workspace& workspace = Workspace::shared());

@@ -54,7 +54,7 @@ public:
     // { "Character": uint8, "VirtualKeyCode": uint16, "Modifiers": uint32 }.
     plist::Dictionary dictionary() const;
     // Stores the three fields into `record`, keeping its other keys.
-    void storeInto(const plist::Dictionary& record) const;
+    void storeInto(plist::Dictionary& record) const;
 
     // KeyCombination() of the three fields.
     std::string text() const;

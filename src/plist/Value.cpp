@@ -29,26 +29,26 @@ const Value& Array::operator[](std::size_t index) const {
     return index < items_->size() ? (*items_)[index] : kAbsent;
 }
 
-void Array::append(Value value) const { items_->push_back(std::move(value)); }
+void Array::append(Value value) { items_->push_back(std::move(value)); }
 
-void Array::reserve(std::size_t count) const { items_->reserve(count); }
+void Array::reserve(std::size_t count) { items_->reserve(count); }
 
-void Array::insert(std::size_t index, Value value) const {
+void Array::insert(std::size_t index, Value value) {
     index = std::min(index, items_->size());
     items_->insert(items_->begin() + static_cast<std::ptrdiff_t>(index), std::move(value));
 }
 
-void Array::set(std::size_t index, Value value) const {
+void Array::set(std::size_t index, Value value) {
     if (index < items_->size()) (*items_)[index] = std::move(value);
 }
 
-void Array::removeAt(std::size_t index) const {
+void Array::removeAt(std::size_t index) {
     if (index < items_->size()) items_->erase(items_->begin() + static_cast<std::ptrdiff_t>(index));
 }
 
-void Array::clear() const { items_->clear(); }
+void Array::clear() { items_->clear(); }
 
-void Array::replaceContents(const Array& other) const {
+void Array::replaceContents(const Array& other) {
     if (!isSameObject(other)) *items_ = *other.items_;
 }
 
@@ -108,7 +108,7 @@ Dictionary::Dictionary(std::initializer_list<Entry> entries) : Dictionary() {
     for (const Entry& entry : entries) set(entry.first, entry.second);
 }
 
-void Dictionary::reserve(std::size_t count) const {
+void Dictionary::reserve(std::size_t count) {
     if (count <= storage_->entries.capacity()) return;
     storage_->entries.reserve(count);
     storage_->rebuildIndex();  // the index's views pointed into the old entries
@@ -128,7 +128,7 @@ const Value& Dictionary::operator[](std::string_view key) const {
     return value ? *value : kAbsent;
 }
 
-void Dictionary::set(std::string key, Value value) const {
+void Dictionary::set(std::string key, Value value) {
     auto pos = storage_->position(key);
     if (pos >= 0)
         storage_->entries[static_cast<std::size_t>(pos)].second = std::move(value);
@@ -136,7 +136,7 @@ void Dictionary::set(std::string key, Value value) const {
         storage_->append(std::move(key), std::move(value));
 }
 
-bool Dictionary::remove(std::string_view key) const {
+bool Dictionary::remove(std::string_view key) {
     auto pos = storage_->position(key);
     if (pos < 0) return false;
     storage_->entries.erase(storage_->entries.begin() + pos);
@@ -144,12 +144,12 @@ bool Dictionary::remove(std::string_view key) const {
     return true;
 }
 
-void Dictionary::clear() const {
+void Dictionary::clear() {
     storage_->entries.clear();
     storage_->index.clear();
 }
 
-void Dictionary::replaceContents(const Dictionary& other) const {
+void Dictionary::replaceContents(const Dictionary& other) {
     if (isSameObject(other)) return;
     storage_->entries = other.storage_->entries;
     storage_->rebuildIndex();
@@ -190,9 +190,24 @@ bool Value::isNumber() const {
     return t == Type::Boolean || t == Type::Integer || t == Type::Real;
 }
 
-std::optional<bool> Value::toBool() const {
+std::optional<bool> Value::boolean() const {
     if (const bool* b = std::get_if<bool>(&v_)) return *b;
     return std::nullopt;
+}
+
+const Value& Value::operator[](std::string_view key) const {
+    const Dictionary* dict = dictionary();
+    return dict ? (*dict)[key] : kAbsent;
+}
+
+const Value& Value::operator[](std::size_t index) const {
+    const Array* items = array();
+    return items ? (*items)[index] : kAbsent;
+}
+
+std::string Value::stringOr(std::string_view fallback) const {
+    const std::string* text = string();
+    return text ? *text : std::string(fallback);
 }
 
 std::optional<Date> Value::date() const {
@@ -200,21 +215,21 @@ std::optional<Date> Value::date() const {
     return std::nullopt;
 }
 
-std::optional<double> Value::doubleValue() const {
+std::optional<double> Value::toDouble() const {
     if (const bool* b = std::get_if<bool>(&v_)) return *b ? 1.0 : 0.0;
     if (const Integer* i = integer()) return i->toDouble();
     if (const Real* r = real()) return r->value;
     return std::nullopt;
 }
 
-std::optional<bool> Value::boolValue() const {
+std::optional<bool> Value::toBool() const {
     if (const bool* b = std::get_if<bool>(&v_)) return *b;
     if (const Integer* i = integer()) return i->bits != 0;
     if (const Real* r = real()) return r->value != 0.0;
     return std::nullopt;
 }
 
-std::optional<std::int64_t> Value::longLongValue() const {
+std::optional<std::int64_t> Value::toInt64() const {
     if (const bool* b = std::get_if<bool>(&v_)) return *b ? 1 : 0;
     if (const Integer* i = integer()) return i->toInt64();
     if (const Real* r = real()) {
@@ -227,14 +242,14 @@ std::optional<std::int64_t> Value::longLongValue() const {
     return std::nullopt;
 }
 
-std::optional<std::int32_t> Value::intValue() const {
-    auto wide = longLongValue();
+std::optional<std::int32_t> Value::toInt32() const {
+    auto wide = toInt64();
     if (!wide) return std::nullopt;
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(*wide));  // truncates like a C cast
 }
 
-std::optional<float> Value::floatValue() const {
-    auto d = doubleValue();
+std::optional<float> Value::toFloat() const {
+    auto d = toDouble();
     if (!d) return std::nullopt;
     return static_cast<float>(*d);
 }
@@ -258,7 +273,7 @@ bool Value::operator==(const Value& other) const {
             bool bNegative = b->isSigned() && b->toInt64() < 0;
             return aNegative == bNegative && a->bits == b->bits;
         }
-        return *doubleValue() == *other.doubleValue();
+        return *toDouble() == *other.toDouble();
     }
     if (mine != theirs) return false;
     switch (mine) {

@@ -3,7 +3,9 @@
 // arrays and dictionaries are shared handles (copying a handle shares the
 // contents; `deepCopy` makes an independent copy), scalars are plain values.
 // Reading a value as the wrong type never fails loudly: typed accessors answer
-// "absent" (an empty optional or a null pointer).
+// "absent" (an empty optional or a null pointer), and `operator[]` reads through
+// nested containers (`prefs["Groups"][0]["Name"].string()`) without inserting.
+// Accessors named after a type are strict; those named `to...` convert numbers.
 
 #include <compare>
 #include <cstdint>
@@ -51,8 +53,9 @@ struct Date {
     auto operator<=>(const Date&) const = default;
 };
 
-// An ordered list of values; copies share the contents. Like a pointer to a
-// mutable array, a const handle still changes the shared contents.
+// An ordered list of values; copies share the contents. Constness is the
+// handle's, as with a pointer to a mutable array: a const handle cannot change
+// the list, while a copy of the handle (or a nested container) can.
 class Array {
 public:
     Array();
@@ -63,14 +66,14 @@ public:
     // Out-of-range indexes answer an absent value.
     const Value& operator[](std::size_t index) const;
 
-    void append(Value value) const;
-    void reserve(std::size_t count) const;  // room for `count` values without moving them again
-    void insert(std::size_t index, Value value) const;  // index clamped to size()
-    void set(std::size_t index, Value value) const;     // ignored when out of range
-    void removeAt(std::size_t index) const;             // ignored when out of range
-    void clear() const;
+    void append(Value value);
+    void reserve(std::size_t count);  // room for `count` values without moving them again
+    void insert(std::size_t index, Value value);  // index clamped to size()
+    void set(std::size_t index, Value value);     // ignored when out of range
+    void removeAt(std::size_t index);             // ignored when out of range
+    void clear();
     // Replaces the contents with those of `other` (still one shared object).
-    void replaceContents(const Array& other) const;
+    void replaceContents(const Array& other);
 
     std::vector<Value>::const_iterator begin() const;
     std::vector<Value>::const_iterator end() const;
@@ -98,11 +101,11 @@ public:
     const Value& operator[](std::string_view key) const;
     const Value* find(std::string_view key) const;
 
-    void set(std::string key, Value value) const;  // keeps the position of an existing key
-    void reserve(std::size_t count) const;         // room for `count` entries without moving them again
-    bool remove(std::string_view key) const;
-    void clear() const;
-    void replaceContents(const Dictionary& other) const;
+    void set(std::string key, Value value);  // keeps the position of an existing key
+    void reserve(std::size_t count);         // room for `count` entries without moving them again
+    bool remove(std::string_view key);
+    void clear();
+    void replaceContents(const Dictionary& other);
     std::vector<std::string> keys() const;
 
     std::vector<Entry>::const_iterator begin() const;
@@ -153,7 +156,7 @@ public:
     bool isNumber() const;  // boolean, integer or real, like NSNumber
 
     // Strict accessors: the value only when it has exactly that type.
-    std::optional<bool> toBool() const;
+    std::optional<bool> boolean() const;
     const Integer* integer() const { return std::get_if<Integer>(&v_); }
     const Real* real() const { return std::get_if<Real>(&v_); }
     const std::string* string() const { return std::get_if<std::string>(&v_); }
@@ -163,13 +166,24 @@ public:
     const Array* array() const { return std::get_if<Array>(&v_); }
     const Dictionary* dictionary() const { return std::get_if<Dictionary>(&v_); }
 
-    // NSNumber's conversions (boolValue, intValue, floatValue, doubleValue):
-    // any number converts, anything else is absent.
-    std::optional<bool> boolValue() const;
-    std::optional<std::int32_t> intValue() const;
-    std::optional<std::int64_t> longLongValue() const;
-    std::optional<float> floatValue() const;
-    std::optional<double> doubleValue() const;
+    // Conversions of any number (boolean, integer or real), as NSNumber's
+    // boolValue, intValue, longLongValue, floatValue and doubleValue make them;
+    // anything else is absent. Use `.value_or(fallback)` for a default.
+    std::optional<bool> toBool() const;
+    std::optional<std::int32_t> toInt32() const;
+    std::optional<std::int64_t> toInt64() const;
+    std::optional<float> toFloat() const;
+    std::optional<double> toDouble() const;
+
+    // The text, or `fallback` when this is not a string.
+    std::string stringOr(std::string_view fallback) const;
+
+    // The entry of a dictionary, or the item of an array; absent when this is
+    // not that container or has no such entry. Never inserts.
+    const Value& operator[](std::string_view key) const;
+    const Value& operator[](std::size_t index) const;
+    const Value& operator[](const char* key) const { return (*this)[std::string_view(key)]; }
+    const Value& operator[](int index) const { return index < 0 ? (*this)[std::size_t(-1)] : (*this)[std::size_t(index)]; }
 
     // Scalars copy; containers are deep-copied.
     Value deepCopy() const;

@@ -13,13 +13,6 @@
 
 namespace corvalis::records {
 
-// Typed reads of one record field; none when absent or of another type.
-// Booleans and integers are both numbers, as the controller reads them.
-const std::string* stringAt(const plist::Dictionary& record, std::string_view key);
-std::optional<bool> boolAt(const plist::Dictionary& record, std::string_view key);
-std::optional<std::int32_t> intAt(const plist::Dictionary& record, std::string_view key);
-std::optional<std::int64_t> longAt(const plist::Dictionary& record, std::string_view key);
-
 // The integer at the start of a text, as the controller reads stored command
 // ids: leading blanks, an optional sign, digits; saturated to 32 bits; 0 when none.
 std::int32_t leadingIntValue(std::string_view text);

@@ -21,18 +21,17 @@ constexpr int kLastCommandId = 1017;
 constexpr const char* kToggleSingleApplicationModeId = "1009";
 
 // A hot key the controller can register: a record with a number for each part of its key.
-bool isUsableHotKey(const Value& value) {
-    const Dictionary* record = value.dictionary();
-    return record && (*record)[keys::Character].isNumber() && (*record)[keys::Modifiers].isNumber() &&
-           (*record)[keys::VirtualKeyCode].isNumber();
+bool isUsableHotKey(const Value& record) {
+    return record[keys::Character].isNumber() && record[keys::Modifiers].isNumber() &&
+           record[keys::VirtualKeyCode].isNumber();
 }
 
-std::uint16_t keyCodeOf(const Dictionary& record) {
-    return static_cast<std::uint16_t>(record[keys::VirtualKeyCode].longLongValue().value_or(0));
+std::uint16_t keyCodeOf(const Value& record) {
+    return static_cast<std::uint16_t>(record[keys::VirtualKeyCode].toInt64().value_or(0));
 }
 
-std::uint32_t modifiersOf(const Dictionary& record) {
-    return static_cast<std::uint32_t>(record[keys::Modifiers].longLongValue().value_or(0));
+std::uint32_t modifiersOf(const Value& record) {
+    return static_cast<std::uint32_t>(record[keys::Modifiers].toInt64().value_or(0));
 }
 
 }  // namespace
@@ -45,17 +44,18 @@ void CorvalisPreferences::_loadHotKeys() {
         bool clash = false;
         for (std::size_t i = 0; usable && i + 1 < stored->size(); ++i)
             for (std::size_t j = i + 1; j < stored->size(); ++j) {
-                const Dictionary& a = *(*stored)[i].dictionary();
-                const Dictionary& b = *(*stored)[j].dictionary();
+                const Value& a = (*stored)[i];
+                const Value& b = (*stored)[j];
                 if (keyCodeOf(a) == keyCodeOf(b) && modifiersOf(a) == modifiersOf(b)) clash = true;
             }
         // Two menus on one key cannot both work: all four go back to the factory keys.
         if (!usable || clash) working().remove(keys::HotKeys);
     }
-    Array hotKeys = arrayForKey(keys::HotKeys)->deepCopy();
+    // What is left is four usable records, or the factory keys put back by arrayForKey.
+    Array hotKeys = arrayForKey(keys::HotKeys).value_or(Array()).deepCopy();
     for (std::size_t i = 0; i < hotKeys.size(); ++i) {
-        const Dictionary& record = *hotKeys[i].dictionary();
-        std::optional<std::int32_t> position = records::intAt(record, keys::Position);
+        Value record = hotKeys[i];
+        std::optional<std::int32_t> position = record[keys::Position].toInt32();
         if (position && *position >= 0 && *position <= 5) continue;
         hotKeys.set(i, Dictionary{{keys::Character, record[keys::Character]},
                                   {keys::Modifiers, record[keys::Modifiers]},

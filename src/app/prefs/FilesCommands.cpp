@@ -63,12 +63,12 @@ int apps(Context& context) {
     sortUsingFunction(applications, SortByNameAndPath);
     const std::string* previousPath = nullptr;
     for (const plist::Value& entry : applications) {
-        const plist::Dictionary& record = *entry.dictionary();
-        const std::string* path = record[keys::Path].string();
+        const std::string* path = entry[keys::Path].string();
+        if (!path) continue;
         // After sorting, the same application reached twice (through a link) is adjacent.
-        if (previousPath && path && *previousPath == *path) continue;
+        if (previousPath && *previousPath == *path) continue;
         previousPath = path;
-        context.out << *record[keys::Name].string() << '\t' << *path << '\n';
+        context.out << entry[keys::Name].stringOr(*path) << '\t' << *path << '\n';
     }
     if (status != kWalkNoErr) {
         context.err << "corvalis-prefs apps: part of " << *folder << " could not be read (status " << status

@@ -35,6 +35,7 @@ constexpr Menu kMenus[] = {
     {"Special menu", keys::SpecialMenuItems, keys::EnableSpecialMenuHotKey},
 };
 
+// Stored text, or `fallback` for a missing or empty one (a nameless record still shows).
 std::string textOr(const Value& value, const std::string& fallback) {
     const std::string* text = value.string();
     return text && !text->empty() ? *text : fallback;
@@ -50,10 +51,9 @@ void printMenus(CorvalisPreferences& prefs, std::ostream& out) {
         }
         out << menu.title << " (" << items->size() << (items->size() == 1 ? " item" : " items") << ")\n";
         for (const Value& item : *items) {
-            const Dictionary* record = item.dictionary();
-            if (!record) continue;
-            std::string kind = textOr((*record)[keys::Item], "?");
-            std::string name = textOr((*record)[keys::Name], "");
+            if (!item.dictionary()) continue;
+            std::string kind = textOr(item[keys::Item], "?");
+            std::string name = textOr(item[keys::Name], "");
             out << "  " << (name.empty() ? kind : name + " (" + kind + ")") << "\n";
         }
     }
@@ -63,14 +63,14 @@ void printGroups(CorvalisPreferences& prefs, std::ostream& out) {
     std::optional<Array> groups = prefs.arrayForKey(keys::Groups);
     out << "Groups (" << (groups ? groups->size() : 0) << ")\n";
     if (!groups) return;
-    for (const Value& value : *groups) {
-        const Dictionary* group = value.dictionary();
-        if (!group) continue;
-        std::size_t members = (*group)[keys::Applications].array() ? (*group)[keys::Applications].array()->size() : 0;
-        out << "  " << textOr((*group)[keys::Name], "(no name)") << ": " << members
+    for (const Value& group : *groups) {
+        if (!group.dictionary()) continue;
+        const plist::Array* applications = group[keys::Applications].array();
+        std::size_t members = applications ? applications->size() : 0;
+        out << "  " << textOr(group[keys::Name], "(no name)") << ": " << members
             << (members == 1 ? " application" : " applications");
-        if ((*group)[keys::CanBeDeleted].toBool() == false) out << " (excluded from the menus)";
-        if (std::optional<KVKeyCombination> combination = KVKeyCombination::fromValue((*group)[keys::KeyboardShortcut]))
+        if (group[keys::CanBeDeleted].boolean() == false) out << " (excluded from the menus)";
+        if (std::optional<KVKeyCombination> combination = KVKeyCombination::fromValue(group[keys::KeyboardShortcut]))
             out << ", shortcut " << combination->text();
         out << "\n";
     }
@@ -96,7 +96,7 @@ void printCommandShortcuts(CorvalisPreferences& prefs, std::ostream& out) {
         const Value& record = shortcuts ? (*shortcuts)[std::to_string(command.id)] : Value();
         std::optional<KVKeyCombination> combination = KVKeyCombination::fromValue(record);
         if (!combination) continue;
-        bool enabled = record.dictionary() && (*record.dictionary())[keys::Enabled].boolValue().value_or(false);
+        bool enabled = record[keys::Enabled].toBool().value_or(false);
         out << "  " << combination->text() << "  " << LocalizedString(command.nameKey)
             << (enabled ? "" : " (disabled)") << "\n";
         ++shown;
