@@ -28,7 +28,7 @@ std::vector<Dictionary> applicationRecords(const Value& stored) {
 
 // The excluded applications form the group that cannot be deleted. A group
 // that does not say so explicitly is a user group.
-bool isExcludedGroup(const Dictionary& group) { return group[keys::CanBeDeleted].toBool() == false; }
+bool isExcludedGroup(const Value& group) { return group[keys::CanBeDeleted].toBool() == false; }
 
 // A valid "Action" is 0, 1 or 2; anything else disables the shortcut and keeps its key and command id.
 Dictionary repairedShortcut(const Dictionary& shortcut) {
@@ -57,7 +57,7 @@ bool CorvalisPreferences::_loadGroups() {
     std::vector<Value> source(groups.begin(), groups.end());
     bool hasExcluded = false;
     for (const Value& group : source)
-        if (const Dictionary* record = group.dictionary(); record && isExcludedGroup(*record)) hasExcluded = true;
+        if (group.dictionary() && isExcludedGroup(group)) hasExcluded = true;
     // The factory groups begin with the excluded applications.
     if (!hasExcluded) source.push_back(defaultValues()[keys::Groups][0].deepCopy());
 
@@ -65,13 +65,12 @@ bool CorvalisPreferences::_loadGroups() {
     bool excludedSeen = false;
     bool excludedInQuitMenu = false;
     bool shortcutMissing = false;
-    for (const Value& value : source) {
-        const Dictionary* group = value.dictionary();
-        if (!group) continue;
-        bool excluded = isExcludedGroup(*group);
+    for (const Value& group : source) {
+        if (!group.dictionary()) continue;
+        bool excluded = isExcludedGroup(group);
         if (excluded && excludedSeen) continue;  // only the first excluded group counts
 
-        std::vector<Dictionary> applications = applicationRecords((*group)[keys::Applications]);
+        std::vector<Dictionary> applications = applicationRecords(group[keys::Applications]);
         if (excluded || sortApplications) records::sortByName(applications);
         Dictionary rebuilt;
         if (excluded) {
@@ -79,25 +78,24 @@ bool CorvalisPreferences::_loadGroups() {
             rebuilt.set(keys::Name, LocalizedString("ExcludedApplications"));
             if (applications.empty())
                 excludedInQuitMenu = false;
-            else if (std::optional<bool> show = (*group)[keys::ShowInQuitMenu].toBool())
+            else if (std::optional<bool> show = group[keys::ShowInQuitMenu].toBool())
                 excludedInQuitMenu = *show;
             else
                 excludedInQuitMenu = legacyBool(keys::AddExcludedApplications, false);
         } else {
-            const std::string* name = (*group)[keys::Name].string();
+            const std::string* name = group[keys::Name].string();
             rebuilt.set(keys::Name, name ? *name : LocalizedString("UntitledGroup"));
         }
         rebuilt.set(keys::Applications, records::arrayOf(applications));
         rebuilt.set(keys::CanBeDeleted, !excluded);
-        rebuilt.set(keys::AutoOpen, (*group)[keys::AutoOpen].toBool().value_or(false));
-        rebuilt.set(keys::Hide, (*group)[keys::Hide].toBool().value_or(false));
+        rebuilt.set(keys::AutoOpen, group[keys::AutoOpen].toBool().value_or(false));
+        rebuilt.set(keys::Hide, group[keys::Hide].toBool().value_or(false));
         if (!excluded) {
-            const std::string* icon = (*group)[keys::Icon].string();
-            rebuilt.set(keys::Icon, icon ? *icon : "YellowFolder");
-            if ((*group)[keys::IconData].data()) rebuilt.set(keys::IconData, (*group)[keys::IconData]);
+            rebuilt.set(keys::Icon, group[keys::Icon].stringOr("YellowFolder"));
+            if (group[keys::IconData].data()) rebuilt.set(keys::IconData, group[keys::IconData]);
             for (const char* key : {keys::ShowInOpenMenu, keys::ShowInQuitMenu, keys::ShowInSwitchMenu})
-                rebuilt.set(key, (*group)[key].toBool().value_or(true));
-            const Dictionary* shortcut = (*group)[keys::KeyboardShortcut].dictionary();
+                rebuilt.set(key, group[key].toBool().value_or(true));
+            const Dictionary* shortcut = group[keys::KeyboardShortcut].dictionary();
             Dictionary repaired = shortcut ? repairedShortcut(*shortcut) : Dictionary();
             // A shortcut without a command id cannot reach the controller: it gets a new id below.
             if (!repaired[keys::CommandID].string()) {

@@ -15,11 +15,10 @@ namespace {
 void collect(const Value& list, const std::string& owner, std::vector<InvalidPath>& into) {
     const plist::Array* records = list.array();
     if (!records) return;
-    for (const Value& entry : *records) {
-        const Dictionary* record = entry.dictionary();
-        const std::string* path = record ? (*record)[keys::Path].string() : nullptr;
+    for (const Value& record : *records) {
+        const std::string* path = record[keys::Path].string();
         if (!path || IsValid(*path)) continue;
-        const std::string* name = (*record)[keys::Name].string();
+        const std::string* name = record[keys::Name].string();
         into.push_back({*path, owner.empty() && name ? *name : owner});
     }
 }
@@ -34,14 +33,11 @@ std::vector<InvalidPathSection> invalidStoredPaths(const Dictionary& domain) {
                                              {"Switch menu (excluded applications)", {}},
                                              {"Special menu", {}}};
     if (const plist::Array* groups = domain[keys::Groups].array()) {
-        for (const Value& entry : *groups) {
-            const Dictionary* group = entry.dictionary();
-            if (!group) continue;
+        for (const Value& group : *groups) {
+            if (!group.dictionary()) continue;
             // The excluded applications are edited, and counted, with the Quit menu.
-            bool excluded = (*group)[keys::CanBeDeleted].toBool() == false;
-            const std::string* name = (*group)[keys::Name].string();
-            collect((*group)[keys::Applications], name ? *name : std::string(),
-                    sections[excluded ? 3 : 0].paths);
+            bool excluded = group[keys::CanBeDeleted].toBool() == false;
+            collect(group[keys::Applications], group[keys::Name].stringOr(""), sections[excluded ? 3 : 0].paths);
         }
     }
     collect(domain[keys::CustomApplications], "", sections[1].paths);

@@ -179,18 +179,17 @@ bool CorvalisPreferences::_loadOpenMenuItems() {
             builder.add(items::DeveloperApplicationsFolder);
         builder.addSeparator();
         if (std::optional<Array> folders = storedArray(keys::Folders)) {
-            for (const Value& entry : *folders) {
-                const Dictionary* folder = entry.dictionary();
-                const std::string* path = folder ? (*folder)[keys::Path].string() : nullptr;
+            for (const Value& folder : *folders) {
+                const std::string* path = folder[keys::Path].string();
                 if (!path) continue;  // nothing to show without a folder
                 std::string localized = LocalizedFolderName(*path);
-                const std::string* name = (*folder)[keys::Name].string();
+                const std::string* name = folder[keys::Name].string();
                 Dictionary item{{keys::Item, items::Folder},
                                 {keys::Name, name ? *name : localized},
                                 {keys::Path, *path},
                                 {keys::NameIsCustom, name != nullptr && *name != localized}};
                 for (const char* depth : {keys::Depth, keys::BrowserDepth})
-                    if ((*folder)[depth].isNumber()) item.set(depth, (*folder)[depth]);
+                    if (folder[depth].isNumber()) item.set(depth, folder[depth]);
                 builder.add(std::move(item));
             }
         }

@@ -32,7 +32,7 @@ Value entry(const char* name, const char* path, bool updated = false) {
 
 std::string order(const Array& entries, const char* key) {
     std::string listed;
-    for (const Value& value : entries) listed += *(*value.dictionary())[key].string() + " ";
+    for (const Value& value : entries) listed += value[key].stringOr("(absent)") + " ";
     return listed;
 }
 

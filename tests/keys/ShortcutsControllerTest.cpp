@@ -18,7 +18,11 @@ protected:
     test::RecordingShortcutsView view;
     ComKestrovaShortcutsController controller{prefs, validator, bus, view};
 
-    Dictionary stored(const std::string& id) { return *(*storedDomain()[keys::KeyboardShortcuts].dictionary())[id].dictionary(); }
+    Dictionary stored(const std::string& id) {
+        std::optional<Dictionary> record = plist::asDictionary(Value(storedDomain())[keys::KeyboardShortcuts][id]);
+        if (!record) ADD_FAILURE() << "no stored shortcut " << id;
+        return record.value_or(Dictionary());
+    }
     Notification only() {
         EXPECT_EQ(bus.posted().size(), 1u);
         return bus.posted().empty() ? Notification{} : bus.posted().back();

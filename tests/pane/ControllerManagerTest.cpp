@@ -56,7 +56,7 @@ protected:
     int startedCount() { return static_cast<int>(controllerRecord(record).size()); }
     Dictionary lastStartSettings() {
         plist::Array starts = controllerRecord(record);
-        return plist::asDictionary((*starts[starts.size() - 1].dictionary())["Settings"]).value_or(Dictionary());
+        return plist::asDictionary(starts[starts.size() - 1]["Settings"]).value_or(Dictionary());
     }
     std::vector<fs::path> entries() {
         std::vector<fs::path> found;

@@ -22,7 +22,7 @@ Dictionary excludedGroup(Array applications = Array()) {
 
 Names namesOf(const Value& list) {
     Names names;
-    for (const Value& entry : *list.array()) names.push_back(*(*entry.dictionary())[keys::Name].string());
+    for (const Value& entry : list.array() ? *list.array() : Array()) names.push_back(entry[keys::Name].stringOr("(absent)"));
     return names;
 }
 
@@ -30,8 +30,8 @@ class GroupLoaders : public test::PrefsTest {
 protected:
     static Names groupNames(const Dictionary& loaded) { return namesOf(loaded[keys::Groups]); }
     Dictionary group(const Dictionary& loaded, const std::string& name) {
-        for (const Value& entry : *loaded[keys::Groups].array())
-            if (*(*entry.dictionary())[keys::Name].string() == name) return *entry.dictionary();
+        for (const Value& entry : plist::asArray(loaded[keys::Groups]).value_or(Array()))
+            if (entry[keys::Name].string() && *entry[keys::Name].string() == name) return *entry.dictionary();
         ADD_FAILURE() << "no group " << name;
         return {};
     }

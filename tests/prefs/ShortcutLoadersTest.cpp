@@ -59,8 +59,8 @@ TEST_F(ShortcutLoaders, KeyboardShortcutsHoldExactlyTheEighteenCommands) {
     Dictionary loaded = load(Dictionary{{keys::KeyboardShortcuts, stored},
                                         {keys::ToggleSingleApplicationModeHotKey,
                                          Dictionary{{keys::Character, Value::int32(116)}}}});
-    const Dictionary& shortcuts = *loaded[keys::KeyboardShortcuts].dictionary();
-    ASSERT_EQ(shortcuts.size(), 18u);
+    const Value& shortcuts = loaded[keys::KeyboardShortcuts];
+    ASSERT_EQ(shortcuts.dictionary() ? shortcuts.dictionary()->size() : 0, 18u);
     for (int id = 1000; id <= 1017; ++id) {
         Value expected = id == 1003 ? Value(Dictionary{{keys::Enabled, true}, {keys::Action, Value::int32(1)}})
                                     : Value(Dictionary{{keys::Enabled, false}});
@@ -73,7 +73,7 @@ TEST_F(ShortcutLoaders, TheOlderSingleApplicationModeHotKeyBecomesItsShortcut) {
     Dictionary loaded = load(Dictionary{
         {keys::ToggleSingleApplicationModeHotKey,
          Dictionary{{keys::Character, Value::int32(116)}, {keys::Modifiers, "x"}, {"Other", true}}}});
-    EXPECT_EQ((*loaded[keys::KeyboardShortcuts].dictionary())["1009"],
+    EXPECT_EQ(loaded[keys::KeyboardShortcuts]["1009"],
               Value(Dictionary{{keys::Character, Value::int32(116)}, {keys::Enabled, true}}));
     EXPECT_FALSE(loaded.contains(keys::ToggleSingleApplicationModeHotKey));
 }

@@ -39,8 +39,7 @@ inline std::string menuViolation(const plist::Dictionary& domain, const char* ke
     if (!menu) return std::string(key) + " is not an array";
     bool previousIsSeparator = true;  // so that a leading separator counts as a violation
     for (const plist::Value& item : *menu) {
-        const plist::Dictionary* record = item.dictionary();
-        const std::string* kind = record ? (*record)[keys::Item].string() : nullptr;
+        const std::string* kind = item[keys::Item].string();
         if (!kind) return std::string(key) + " holds a record without a kind";
         bool separator = *kind == "Separator";
         if (separator && previousIsSeparator) return std::string(key) + " has a misplaced separator";
@@ -54,24 +53,21 @@ inline std::string loadedDomainViolation(const plist::Dictionary& domain) {
     const plist::Array* hotKeys = domain[keys::HotKeys].array();
     if (!hotKeys || hotKeys->size() != 4) return "HotKeys is not an array of four";
     for (const plist::Value& hotKey : *hotKeys) {
-        const plist::Dictionary* record = hotKey.dictionary();
-        std::optional<std::int32_t> position = record ? (*record)[keys::Position].toInt32() : std::nullopt;
+        std::optional<std::int32_t> position = hotKey[keys::Position].toInt32();
         if (!position || *position < 0 || *position > 5) return "a hot key has no position from 0 to 5";
         for (const char* part : {keys::Character, keys::Modifiers, keys::VirtualKeyCode})
-            if (!(*record)[part].isNumber()) return std::string("a hot key lacks its ") + part;
+            if (!hotKey[part].isNumber()) return std::string("a hot key lacks its ") + part;
     }
     const plist::Array* groups = domain[keys::Groups].array();
     if (!groups) return "Groups is not an array";
     int excluded = 0;
     for (const plist::Value& group : *groups) {
-        const plist::Dictionary* record = group.dictionary();
-        if (!record || !(*record)[keys::Name].string() || !(*record)[keys::Applications].array() ||
-            !(*record)[keys::CanBeDeleted].boolean())
-            return "a group record is incomplete";
-        if (!*(*record)[keys::CanBeDeleted].boolean()) ++excluded;
-        for (const plist::Value& application : *(*record)[keys::Applications].array())
-            if (!application.dictionary() || !(*application.dictionary())[keys::Path].string())
-                return "an application record has no path";
+        const plist::Array* applications = group[keys::Applications].array();
+        std::optional<bool> canBeDeleted = group[keys::CanBeDeleted].boolean();
+        if (!group[keys::Name].string() || !applications || !canBeDeleted) return "a group record is incomplete";
+        if (!*canBeDeleted) ++excluded;
+        for (const plist::Value& application : *applications)
+            if (!application[keys::Path].string()) return "an application record has no path";
     }
     if (excluded != 1) return "there is not exactly one excluded group";
     const plist::Dictionary* shortcuts = domain[keys::KeyboardShortcuts].dictionary();

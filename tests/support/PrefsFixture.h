@@ -34,11 +34,13 @@ protected:
     static std::vector<std::string> kinds(const plist::Value& menu) {
         std::vector<std::string> result;
         if (const plist::Array* items = menu.array())
-            for (const plist::Value& item : *items) result.push_back(*(*item.dictionary())[keys::Item].string());
+            for (const plist::Value& item : *items) result.push_back(item[keys::Item].stringOr("(no kind)"));
         return result;
     }
     static plist::Dictionary record(const plist::Value& list, std::size_t index) {
-        return plist::asDictionary((*list.array())[index]).value_or(plist::Dictionary());
+        std::optional<plist::Dictionary> found = plist::asDictionary(list[index]);
+        if (!found) ADD_FAILURE() << "no record at index " << index;
+        return found.value_or(plist::Dictionary());
     }
 };
 
