@@ -9,7 +9,7 @@
 
 #include "fileutils/PathLimits.h"
 #include "fileutils/PathResolution.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

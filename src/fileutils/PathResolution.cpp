@@ -20,7 +20,7 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "fileutils/PathLimits.h"
 #include "platform/DesktopEntry.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

@@ -13,10 +13,10 @@
 #include "plist/PlistIO.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

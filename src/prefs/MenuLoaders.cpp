@@ -9,7 +9,7 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/MenuItemKinds.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {

@@ -20,10 +20,6 @@ std::optional<bool> boolAt(const plist::Dictionary& record, std::string_view key
 std::optional<std::int32_t> intAt(const plist::Dictionary& record, std::string_view key);
 std::optional<std::int64_t> longAt(const plist::Dictionary& record, std::string_view key);
 
-// The integer at the start of a text, as the controller reads stored command
-// ids: leading blanks, an optional sign, digits; saturated to 32 bits; 0 when none.
-std::int32_t leadingIntValue(std::string_view text);
-
 // Builds a menu item by item: a separator is added only after an item that is
 // not one, and a trailing separator is dropped when the menu is finished.
 class MenuBuilder {

@@ -5,10 +5,10 @@
 #include "plist/PlistIO.h"
 #include "prefs/Backup.h"
 #include "prefs/DefaultValues.h"
-#include "support/PrefsFixture.h"
-#include "prefs/Localization.h"
 #include "prefs/PaneVersion.h"
+#include "support/PrefsFixture.h"
 #include "support/TestSupport.h"
+#include "text/Localization.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;

@@ -10,8 +10,8 @@
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "platform/linux/XkbKeyboardLayout.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
+#include "text/Localization.h"
 
 namespace corvalis::cli {
 

@@ -12,8 +12,8 @@
 #include "app/prefs/Session.h"
 #include "prefs/Backup.h"
 #include "prefs/InvalidPaths.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
+#include "text/Localization.h"
 
 namespace corvalis::cli {
 

@@ -28,11 +28,11 @@
 #include "platform/FileDomainStore.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/LinuxProcesses.h"
-#include "platform/linux/XkbKeyboardLayout.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
+#include "platform/linux/XkbKeyboardLayout.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
