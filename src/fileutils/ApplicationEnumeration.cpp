@@ -12,8 +12,9 @@
 #include <optional>
 #include <string_view>
 
+#include "fileutils/DisplayNames.h"
 #include "fileutils/PathLimits.h"
-#include "fileutils/PathResolution.h"
+#include "fileutils/PathPredicates.h"
 #include "schema/PreferenceKeys.h"
 #include "text/TextParsing.h"
 

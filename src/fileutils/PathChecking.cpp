@@ -7,8 +7,10 @@
 #include <cstdlib>
 #include <memory>
 
+#include "fileutils/AliasResolution.h"
+#include "fileutils/DisplayNames.h"
 #include "fileutils/PathLimits.h"
-#include "fileutils/PathResolution.h"
+#include "fileutils/PathPredicates.h"
 #include "schema/PreferenceKeys.h"
 
 namespace corvalis {

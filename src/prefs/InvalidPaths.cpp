@@ -1,4 +1,4 @@
-#include "fileutils/PathResolution.h"
+#include "fileutils/PathPredicates.h"
 #include "prefs/InvalidPaths.h"
 
 #include "prefs/RecordSupport.h"

@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "fileutils/PathResolution.h"
+#include "fileutils/DisplayNames.h"
 #include "fileutils/KVOperatingSystem.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/MenuItemKinds.h"

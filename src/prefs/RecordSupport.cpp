@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
+#include "fileutils/DisplayNames.h"
 #include "fileutils/ExecutableArchitectures.h"
 #include "fileutils/NameOrder.h"
 #include "fileutils/PathChecking.h"
-#include "fileutils/PathResolution.h"
+#include "fileutils/PathPredicates.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/MenuItemKinds.h"
 #include "schema/PreferenceKeys.h"

@@ -12,8 +12,8 @@
 
 #include "controls/AlertSheet.h"
 #include "controls/LocalizedText.h"
+#include "fileutils/DisplayNames.h"
 #include "fileutils/KVOperatingSystem.h"
-#include "fileutils/PathResolution.h"
 #include "pane/ControllerManager.h"
 #include "pane/ui/ControllerAlerts.h"
 #include "prefs/Backup.h"
