@@ -165,6 +165,12 @@ BackupContents readBackupFile(const std::filesystem::path& path) {
     return checkBackup(bytes);
 }
 
+std::string withBackupExtension(std::string path) {
+    const std::string suffix = std::string(".") + kBackupExtension;
+    if (!path.ends_with(suffix)) path += suffix;
+    return path;
+}
+
 std::string backupErrorText(const BackupContents& contents, const std::string& displayName) {
     if (contents.check == BackupCheck::WrongVersion)
         return LocalizedFormat("ImportBackupError1", {std::string(kPaneVersion), contents.fileVersion});

@@ -121,7 +121,7 @@ void BackupSheets::onBackUpSettings() {
 
 void BackupSheets::_backUpTo(QString path) {
     // The file type is not optional: a name typed with another extension gets ours added.
-    if (!path.endsWith(kSuffix)) path += kSuffix;
+    path = QString::fromStdString(withBackupExtension(path.toStdString()));
     lastFolder_ = QFileInfo(path).absolutePath();
     std::string error;
     if (writeBackupFile(nativePath(path), prefs_.loadFromDefaults(), error)) return;
