@@ -9,7 +9,7 @@
 #include "keys/ComKestrovaShortcutsController.h"
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationValidator.h"
-#include "platform/linux/XkbKeyboardLayout.h"
+#include "pane/SystemKeyboardLayout.h"
 #include "schema/PreferenceKeys.h"
 #include "text/Localization.h"
 
