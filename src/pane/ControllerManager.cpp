@@ -148,7 +148,7 @@ ImportReport ControllerManager::importFromBackup(const plist::Dictionary& settin
         [&] { return report.wasRunning = isControllerRunning(); },
         [&] {
             report.quit = _quitController();
-            report.markedImportDate = settings[keys::TurnOnCorvalis].boolValue().value_or(false);
+            report.markedImportDate = settings[keys::TurnOnCorvalis].toBool().value_or(false);
         },
     };
     importSettings(_prefs, settings, hooks, now());

@@ -32,7 +32,7 @@ constexpr std::int32_t kCopyPathCommands[] = {
 }  // namespace
 
 void CorvalisPreferences::_loadIncludeTerminatedAppsWhere() {
-    std::optional<std::int32_t> where = simpleStringForKey(keys::IncludeTerminatedApplicationsWhere).intValue();
+    std::optional<std::int32_t> where = simpleStringForKey(keys::IncludeTerminatedApplicationsWhere).toInt32();
     if (!where || (*where != 1 && *where != 2)) working().remove(keys::IncludeTerminatedApplicationsWhere);
 }
 
@@ -49,7 +49,7 @@ void CorvalisPreferences::_loadMarkAppMode() {
     if (!prefs[keys::MarkApplicationMode].isNumber()) {
         prefs.remove(keys::MarkApplicationMode);
         if (prefs[keys::Mark64BitApplications].isNumber())
-            prefs.set(keys::MarkApplicationMode, *prefs[keys::Mark64BitApplications].boolValue());
+            prefs.set(keys::MarkApplicationMode, *prefs[keys::Mark64BitApplications].toBool());
     }
     prefs.remove(keys::Mark64BitApplications);
     if (!prefs[keys::SwitchMenuMarkApplicationMode].isNumber())
@@ -98,7 +98,7 @@ bool CorvalisPreferences::_loadCheckForUpdates() {
                     keys::CheckForUpdatesSkipVersion});
     }
 
-    std::optional<std::int32_t> frequency = prefs[keys::CheckForUpdatesFrequency].intValue();
+    std::optional<std::int32_t> frequency = prefs[keys::CheckForUpdatesFrequency].toInt32();
     if (!frequency || (*frequency != 1 && *frequency != 7 && *frequency != 30))
         prefs.remove(keys::CheckForUpdatesFrequency);
 

@@ -15,10 +15,10 @@ namespace corvalis::records {
 
 // Typed reads of one record field; none when absent or of another type.
 // Booleans and integers are both numbers, as the controller reads them.
-const std::string* stringAt(const plist::Dictionary& record, std::string_view key);
-std::optional<bool> boolAt(const plist::Dictionary& record, std::string_view key);
-std::optional<std::int32_t> intAt(const plist::Dictionary& record, std::string_view key);
-std::optional<std::int64_t> longAt(const plist::Dictionary& record, std::string_view key);
+const std::string* (const plist::Dictionary& record)[std::string_view key].string();
+std::optional<bool> (const plist::Dictionary& record)[std::string_view key].toBool();
+std::optional<std::int32_t> (const plist::Dictionary& record)[std::string_view key].toInt32();
+std::optional<std::int64_t> (const plist::Dictionary& record)[std::string_view key].toInt64();
 
 // Builds a menu item by item: a separator is added only after an item that is
 // not one, and a trailing separator is dropped when the menu is finished.

@@ -24,7 +24,7 @@ std::string summary(const test::TempDir& dir, const std::string& layout, bool xS
 std::int64_t storedQuitMenuKeyCode(const test::TempDir& dir) {
     ParseResult stored = parse(test::readFile(dir / "com.kestrova.Corvalis.plist"));
     const Value& quit = (*(*stored.value.dictionary())[keys::HotKeys].array())[1];
-    return (*quit.dictionary())[keys::VirtualKeyCode].longLongValue().value_or(-1);
+    return (*quit.dictionary())[keys::VirtualKeyCode].toInt64().value_or(-1);
 }
 
 }  // namespace
