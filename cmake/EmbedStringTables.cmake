@@ -11,7 +11,7 @@ function(corvalis_embed_string_tables output)
   endforeach()
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${tables})
   file(CONFIGURE OUTPUT ${output} CONTENT "// Generated from resources/strings; edit those files instead.
-#include \"prefs/StringTables.h\"
+#include \"text/StringTables.h\"
 
 namespace corvalis {
 

@@ -12,10 +12,11 @@
 #include <optional>
 #include <string_view>
 
+#include "fileutils/DisplayNames.h"
 #include "fileutils/PathLimits.h"
-#include "fileutils/PathResolution.h"
-#include "prefs/PreferenceKeys.h"
-#include "prefs/RecordSupport.h"
+#include "fileutils/PathPredicates.h"
+#include "schema/PreferenceKeys.h"
+#include "text/TextParsing.h"
 
 namespace corvalis {
 
@@ -229,7 +230,7 @@ bool ApplicationVersion(const std::string& bundleIdentifier, std::uint32_t& majo
     std::vector<std::int64_t> parts;
     for (std::size_t start = 0;;) {
         std::size_t dot = version->find('.', start);
-        parts.push_back(records::leadingIntValue(std::string_view(*version).substr(start, dot - start)));
+        parts.push_back(leadingIntValue(std::string_view(*version).substr(start, dot - start)));
         if (dot == std::string::npos) break;
         start = dot + 1;
     }

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <vector>
 
-#include "prefs/PreferenceKeys.h"
-#include "prefs/RecordSupport.h"
+#include "schema/PreferenceKeys.h"
+#include "text/TextParsing.h"
 
 namespace corvalis {
 
@@ -160,12 +160,12 @@ std::string NewUniqueCommandId(const plist::Array& groups) {
     for (std::string& id : ids) keyed.emplace_back(FinderCollator::user().sortKey(id), std::move(id));
     std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     for (std::size_t i = 0; i < ids.size(); ++i) ids[i] = std::move(keyed[i].second);
-    std::int64_t last = records::leadingIntValue(ids.front());
+    std::int64_t last = leadingIntValue(ids.front());
     if (last > static_cast<std::int64_t>(kFirstId)) return std::to_string(kFirstId);
     // Only the run that starts at the smallest id is followed; a gap after it
     // (or a duplicate) ends the run. Deliberately not "the first free id".
-    for (std::size_t i = 1; i < ids.size() && records::leadingIntValue(ids[i]) == last + 1; ++i)
-        last = records::leadingIntValue(ids[i]);
+    for (std::size_t i = 1; i < ids.size() && leadingIntValue(ids[i]) == last + 1; ++i)
+        last = leadingIntValue(ids[i]);
     // Ids are written as unsigned 32-bit numbers.
     return std::to_string(static_cast<std::uint32_t>(last + 1));
 }

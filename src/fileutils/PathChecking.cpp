@@ -7,9 +7,11 @@
 #include <cstdlib>
 #include <memory>
 
+#include "fileutils/AliasResolution.h"
+#include "fileutils/DisplayNames.h"
 #include "fileutils/PathLimits.h"
-#include "fileutils/PathResolution.h"
-#include "prefs/PreferenceKeys.h"
+#include "fileutils/PathPredicates.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

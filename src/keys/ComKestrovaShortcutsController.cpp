@@ -4,9 +4,9 @@
 #include "keys/KeyStrings.h"
 #include "platform/NotificationCenter.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

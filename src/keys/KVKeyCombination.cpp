@@ -1,7 +1,7 @@
 #include "keys/KVKeyCombination.h"
 
 #include "keys/KVKeyCombinationCenter.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

@@ -4,8 +4,8 @@
 #include "keys/KVKeyCombinationCenter.h"
 #include "keys/KeyStrings.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

@@ -6,7 +6,7 @@
 #include "pane/ControllerLocation.h"
 #include "platform/ApplicationBundle.h"
 #include "prefs/Backup.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

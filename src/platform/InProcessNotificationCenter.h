@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/NotificationCenter.h"
+#include "platform/ObserverList.h"
 
 namespace corvalis {
 
@@ -19,18 +20,8 @@ public:
     void clearPosted() { posted_.clear(); }
 
 private:
-    struct Registration {
-        Token token;
-        std::string name;
-        std::string object;
-        Observer observer;
-    };
-    std::vector<Registration> observers_;
+    ObserverList observers_;
     std::vector<Notification> posted_;
-    Token nextToken_ = 1;
 };
-
-// Whether a notification passes an observer's name and object filters ("" matches all).
-bool notificationMatches(const Notification& notification, const std::string& name, const std::string& object);
 
 }  // namespace corvalis

@@ -13,10 +13,10 @@
 #include "plist/PlistIO.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 
@@ -163,6 +163,12 @@ BackupContents readBackupFile(const std::filesystem::path& path) {
     ::close(fd);
     if (!readable) return {};
     return checkBackup(bytes);
+}
+
+std::string withBackupExtension(std::string path) {
+    const std::string suffix = std::string(".") + kBackupExtension;
+    if (!path.ends_with(suffix)) path += suffix;
+    return path;
 }
 
 std::string backupErrorText(const BackupContents& contents, const std::string& displayName) {

@@ -16,6 +16,9 @@ namespace corvalis {
 class CorvalisPreferences;
 
 inline constexpr const char* kBackupExtension = "cvbu";
+// `path` named as a backup file: ".cvbu" is added unless the name already ends
+// in it, so a name typed with another extension keeps it and gets ours too.
+std::string withBackupExtension(std::string path);
 inline constexpr std::int64_t kBackupFormatVersion = 1;
 // Larger files are refused unread: no settings domain comes near this size.
 inline constexpr std::uintmax_t kMaxBackupFileBytes = 64u * 1024 * 1024;

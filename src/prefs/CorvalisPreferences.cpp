@@ -8,7 +8,7 @@
 #include "fileutils/PathLimits.h"
 #include "prefs/DefaultValues.h"
 #include "prefs/NotificationNames.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

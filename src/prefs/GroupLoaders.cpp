@@ -5,8 +5,8 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "text/Localization.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {

@@ -1,8 +1,8 @@
-#include "fileutils/PathResolution.h"
+#include "fileutils/PathPredicates.h"
 #include "prefs/InvalidPaths.h"
 
-#include "prefs/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

@@ -5,11 +5,11 @@
 #include <span>
 #include <string_view>
 
-#include "fileutils/PathResolution.h"
+#include "fileutils/DisplayNames.h"
 #include "fileutils/KVOperatingSystem.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/MenuItemKinds.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {

@@ -7,8 +7,9 @@
 #include "fileutils/KVVersionComparator.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
+#include "text/TextParsing.h"
 
 namespace corvalis {
 
@@ -38,7 +39,7 @@ void CorvalisPreferences::_loadIncludeTerminatedAppsWhere() {
 void CorvalisPreferences::_loadQuickCopyPathCommand() {
     // Stored as decimal text; a number or any other code is not one the controller reads.
     const std::string* text = simpleStringForKey(keys::QuickCopyPathCommand).string();
-    bool known = text && std::ranges::find(kCopyPathCommands, records::leadingIntValue(*text)) !=
+    bool known = text && std::ranges::find(kCopyPathCommands, leadingIntValue(*text)) !=
                              std::end(kCopyPathCommands);
     if (!known) working().remove(keys::QuickCopyPathCommand);
 }

@@ -13,10 +13,6 @@
 
 namespace corvalis::records {
 
-// The integer at the start of a text, as the controller reads stored command
-// ids: leading blanks, an optional sign, digits; saturated to 32 bits; 0 when none.
-std::int32_t leadingIntValue(std::string_view text);
-
 // Builds a menu item by item: a separator is added only after an item that is
 // not one, and a trailing separator is dropped when the menu is finished.
 class MenuBuilder {

@@ -2,8 +2,8 @@
 #include <sys/stat.h>
 
 #include "fileutils/AliasRecord.h"
+#include "fileutils/AliasResolution.h"
 #include "fileutils/FileFixtures.h"
-#include "fileutils/PathResolution.h"
 #include "support/FakeWorkspace.h"
 
 namespace corvalis {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/AliasRecord.h"
+#include "fileutils/AliasResolution.h"
 #include "fileutils/FileFixtures.h"
-#include "fileutils/PathResolution.h"
 #include "platform/LinuxWorkspace.h"
 #include "support/FakeWorkspace.h"
 #include "support/MemoryDomainStore.h"

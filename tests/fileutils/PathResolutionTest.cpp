@@ -1,4 +1,6 @@
-#include "fileutils/PathResolution.h"
+#include "fileutils/AliasResolution.h"
+#include "fileutils/DisplayNames.h"
+#include "fileutils/PathPredicates.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/KeyStrings.h"
 #include "keys/KeysFixture.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
+#include "text/Localization.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;

@@ -3,7 +3,7 @@
 #include "keys/KVKeyCombination.h"
 #include "keys/KeysFixture.h"
 #include "plist/PlistIO.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;

@@ -5,10 +5,10 @@
 #include "plist/PlistIO.h"
 #include "prefs/Backup.h"
 #include "prefs/DefaultValues.h"
-#include "support/PrefsFixture.h"
-#include "prefs/Localization.h"
 #include "prefs/PaneVersion.h"
+#include "support/PrefsFixture.h"
 #include "support/TestSupport.h"
+#include "text/Localization.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
@@ -66,6 +66,17 @@ TEST(BackupValidity, BothChecksDecideTheOutcome) {
 }
 
 // Written files are checked through the command line and the backup sheet; here, what no writer makes.
+TEST(BackupFileName, TheExtensionIsAddedUnlessTheNameEndsInIt) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"/tmp/Mine", "/tmp/Mine.cvbu"},
+        {"/tmp/Mine.cvbu", "/tmp/Mine.cvbu"},
+        {"/tmp/Mine.txt", "/tmp/Mine.txt.cvbu"},
+        {"/tmp/Mine.CVBU", "/tmp/Mine.CVBU.cvbu"},
+        {"/tmp/a.cvbu/Mine", "/tmp/a.cvbu/Mine.cvbu"},
+    };
+    for (const auto& [typed, named] : cases) EXPECT_EQ(withBackupExtension(typed), named) << typed;
+}
+
 TEST_F(Backups, OversizedMissingAndFolderFilesAreRefusedUnread) {
     EXPECT_EQ(readBackupFile(dir / "absent.cvbu").check, BackupCheck::Invalid);
     EXPECT_EQ(readBackupFile(dir.path()).check, BackupCheck::Invalid);

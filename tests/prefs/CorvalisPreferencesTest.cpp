@@ -8,7 +8,7 @@
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
 #include "prefs/NotificationNames.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;

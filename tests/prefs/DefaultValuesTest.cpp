@@ -5,7 +5,7 @@
 #include "platform/MainScreen.h"
 #include "prefs/DefaultPreviewSizes.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "plist/Value.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis::test {
 

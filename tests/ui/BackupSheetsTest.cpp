@@ -12,7 +12,7 @@
 #include "platform/InProcessNotificationCenter.h"
 #include "plist/PlistIO.h"
 #include "prefs/Backup.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;

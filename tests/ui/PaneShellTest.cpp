@@ -7,10 +7,10 @@
 #include <QTest>
 
 #include "controls/KVSwitchControl.h"
+#include "pane/ControllerManager.h"
 #include "pane/ui/CorvalisPane.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/PreferenceKeys.h"
-#include "pane/ControllerManager.h"
+#include "schema/PreferenceKeys.h"
 #include "support/IntegrationSupport.h"
 
 using namespace corvalis;

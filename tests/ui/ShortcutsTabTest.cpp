@@ -12,8 +12,8 @@
 #include "keys/KeysFixture.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
 #include "keys/ui/ShortcutsTab.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
+#include "text/Localization.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;

@@ -6,8 +6,8 @@
 #include "pane/ControllerManager.h"
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
+#include "text/Localization.h"
 
 namespace corvalis::cli {
 

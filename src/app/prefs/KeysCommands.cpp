@@ -9,9 +9,9 @@
 #include "keys/ComKestrovaShortcutsController.h"
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationValidator.h"
-#include "platform/linux/XkbKeyboardLayout.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "pane/SystemKeyboardLayout.h"
+#include "schema/PreferenceKeys.h"
+#include "text/Localization.h"
 
 namespace corvalis::cli {
 

@@ -12,8 +12,8 @@
 #include "app/prefs/Session.h"
 #include "prefs/Backup.h"
 #include "prefs/InvalidPaths.h"
-#include "prefs/Localization.h"
 #include "prefs/NotificationNames.h"
+#include "text/Localization.h"
 
 namespace corvalis::cli {
 
@@ -95,8 +95,7 @@ int normalize(Context& context) {
 
 int backup(Context& context) {
     if (wrongArgumentCount(context, 1, "backup")) return Usage;
-    fs::path file = context.args[0];
-    if (file.extension() != std::string(".") + kBackupExtension) file += std::string(".") + kBackupExtension;
+    fs::path file = withBackupExtension(context.args[0]);
     Session session(context);
     if (!session.load(context)) return Failure;  // loading saves: the domain is current
     std::string error;

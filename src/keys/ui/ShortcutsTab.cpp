@@ -16,7 +16,6 @@
 #include "keys/KVKeyCombinationCenter.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
-#include "platform/linux/XkbKeyboardLayout.h"
 
 namespace corvalis {
 
@@ -119,9 +118,6 @@ ShortcutsTab::ShortcutsTab(CorvalisPreferences& prefs, NotificationCenter& distr
       validator_(validator ? *validator : *ownValidator_),
       controller_(std::make_unique<ComKestrovaShortcutsController>(prefs, validator_, distributed, *this)),
       window_(window ? window : page->window()) {
-    // Key names follow the user's layout; whoever starts first points the centre at it.
-    if (!KVKeyCombinationCenter::sharedCenter().layout()) useSystemKeyboardLayout();
-
     content_ = new QWidget(page);
     auto* pageLayout = page->layout() ? page->layout() : new QVBoxLayout(page);
     pageLayout->addWidget(content_);

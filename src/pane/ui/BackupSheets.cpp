@@ -12,13 +12,13 @@
 
 #include "controls/AlertSheet.h"
 #include "controls/LocalizedText.h"
+#include "fileutils/DisplayNames.h"
 #include "fileutils/KVOperatingSystem.h"
-#include "fileutils/PathResolution.h"
 #include "pane/ControllerManager.h"
 #include "pane/ui/ControllerAlerts.h"
 #include "prefs/Backup.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -121,7 +121,7 @@ void BackupSheets::onBackUpSettings() {
 
 void BackupSheets::_backUpTo(QString path) {
     // The file type is not optional: a name typed with another extension gets ours added.
-    if (!path.endsWith(kSuffix)) path += kSuffix;
+    path = QString::fromStdString(withBackupExtension(path.toStdString()));
     lastFolder_ = QFileInfo(path).absolutePath();
     std::string error;
     if (writeBackupFile(nativePath(path), prefs_.loadFromDefaults(), error)) return;

@@ -22,17 +22,17 @@
 #include "keys/ui/ShortcutsTab.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
+#include "pane/SystemKeyboardLayout.h"
 #include "pane/ui/BackupSheets.h"
 #include "pane/ui/ControllerAlerts.h"
 #include "pane/ui/SoftwareUpdateSheet.h"
 #include "platform/FileDomainStore.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/LinuxProcesses.h"
-#include "platform/linux/XkbKeyboardLayout.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

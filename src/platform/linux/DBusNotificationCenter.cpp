@@ -3,9 +3,6 @@
 #include <QDBusMessage>
 #include <QLoggingCategory>
 
-#include <algorithm>
-
-#include "platform/InProcessNotificationCenter.h"
 #include "platform/linux/BusProtocol.h"
 #include "plist/PlistIO.h"
 
@@ -79,14 +76,10 @@ void DBusNotificationCenter::post(const Notification& notification) {
 }
 
 NotificationCenter::Token DBusNotificationCenter::addObserver(std::string name, std::string object, Observer observer) {
-    Token token = nextToken_++;
-    observers_.push_back({token, std::move(name), std::move(object), std::move(observer)});
-    return token;
+    return observers_.add(std::move(name), std::move(object), std::move(observer));
 }
 
-void DBusNotificationCenter::removeObserver(Token token) {
-    std::erase_if(observers_, [token](const Registration& r) { return r.token == token; });
-}
+void DBusNotificationCenter::removeObserver(Token token) { observers_.remove(token); }
 
 void DBusNotificationCenter::receive(const QDBusMessage& message) {
     const QList<QVariant> args = message.arguments();
@@ -98,21 +91,7 @@ void DBusNotificationCenter::receive(const QDBusMessage& message) {
     Notification notification{args[0].toString().toStdString(), args[1].toString().toStdString(), std::nullopt};
     if (args.size() > 2 && args[2].metaType().id() == QMetaType::QString)
         notification.userInfo = userInfoFromText(args[2].toString());
-    dispatch(notification);
-}
-
-void DBusNotificationCenter::dispatch(const Notification& notification) {
-    // Observers may add or remove observers while being called: walk a snapshot,
-    // and skip any registration removed meanwhile.
-    std::vector<Token> tokens;
-    for (const Registration& r : observers_)
-        if (notificationMatches(notification, r.name, r.object)) tokens.push_back(r.token);
-    for (Token token : tokens) {
-        auto it = std::find_if(observers_.begin(), observers_.end(), [&](const Registration& r) { return r.token == token; });
-        if (it == observers_.end()) continue;
-        Observer observer = it->observer;
-        observer(notification);
-    }
+    observers_.dispatch(notification);
 }
 
 }  // namespace corvalis

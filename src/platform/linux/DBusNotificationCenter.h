@@ -7,9 +7,8 @@
 #include <QDBusConnection>
 #include <QObject>
 
-#include <vector>
-
 #include "platform/NotificationCenter.h"
+#include "platform/ObserverList.h"
 
 class QDBusMessage;
 
@@ -36,19 +35,9 @@ private slots:
     void receive(const QDBusMessage& message);
 
 private:
-    struct Registration {
-        Token token;
-        std::string name;
-        std::string object;
-        Observer observer;
-    };
-
-    void dispatch(const Notification& notification);
-
     QDBusConnection connection_;
     bool subscribed_ = false;
-    std::vector<Registration> observers_;
-    Token nextToken_ = 1;
+    ObserverList observers_;
 };
 
 }  // namespace corvalis

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "fileutils/PathResolution.h"
+#include "fileutils/DisplayNames.h"
 #include "platform/ApplicationBundle.h"
 #include "platform/DesktopEntry.h"
 

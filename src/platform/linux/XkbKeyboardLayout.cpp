@@ -6,9 +6,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
-
-#include "keys/KVKeyCombinationCenter.h"
 
 namespace corvalis {
 
@@ -123,11 +120,6 @@ std::optional<std::string> XkbKeyboardLayout::translateKey(std::uint16_t evdevKe
     if (length < 0) return std::nullopt;
     // Dead keys have no character of their own and come back empty.
     return std::string(buffer, std::min<std::size_t>(static_cast<std::size_t>(length), sizeof buffer - 1));
-}
-
-void useSystemKeyboardLayout() {
-    KVKeyCombinationCenter::sharedCenter().setLayoutSource(
-        [] { return std::shared_ptr<const KeyboardLayout>(XkbKeyboardLayout::current()); });
 }
 
 }  // namespace corvalis

@@ -49,7 +49,4 @@ private:
     std::string _identity;
 };
 
-// Makes the key-name centre follow the user's layout (read now and on every layoutChanged()).
-void useSystemKeyboardLayout();
-
 }  // namespace corvalis
