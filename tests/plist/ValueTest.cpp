@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "plist/ContentKey.h"
 #include "plist/Value.h"
 
 using namespace corvalis::plist;
@@ -80,4 +81,13 @@ TEST(Value, DictionaryKeepsInsertionOrderAndFindsKeysPastTheIndexThreshold) {
     std::vector<std::string> keys = dict.keys();
     for (auto it = keys.rbegin(); it != keys.rend(); ++it) reordered.set(*it, dict[*it]);
     EXPECT_EQ(reordered, dict);  // order does not matter for equality
+}
+
+TEST(Value, ContentKeyTellsValuesApartAndTakesEmptyData) {
+    // Empty data has no buffer at all; the key must still be made and matched.
+    Dictionary empty{{"Data", Data()}, {"Text", ""}};
+    std::string key = contentKey(empty);
+    EXPECT_TRUE(hasContentKey(empty, key));
+    EXPECT_FALSE(hasContentKey(Dictionary{{"Data", Data{0}}, {"Text", ""}}, key));
+    EXPECT_NE(contentKey(Value::int32(1)), contentKey(Value::real64(1.0)));  // 1 and 1.0 are written differently
 }
