@@ -119,7 +119,7 @@ TEST_F(PaneShell, TheSwitchStartsAndQuitsTheController) {
     pane->willUnselect();
     pane->didUnselect();
     pane->prefs().setBool(true, keys::TurnOnCorvalis);
-    pane->onOffSwitch()->setChecked(true);
+    pane->setSwitchState(true);
     pane->applicationWillTerminate();
     QTest::qWait(300);
     EXPECT_FALSE(pane->controllerManager().isControllerRunning());
