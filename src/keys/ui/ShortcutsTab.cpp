@@ -38,8 +38,11 @@ public:
         switch (index.column()) {
         case ShortcutsTab::EnabledColumn:
             if (role == Qt::CheckStateRole) return controller_.enabledAt(row) ? Qt::Checked : Qt::Unchecked;
-            // A screen reader names the check box after its command, and says how to use it.
-            if (role == Qt::AccessibleTextRole) return localizedFormat("ShortcutEnabledCell", {controller_.commandAt(row)});
+            // A screen reader names the check box after its command and says how to use it. The
+            // state is in the name too: Qt's table cells do not report that they can be checked.
+            if (role == Qt::AccessibleTextRole)
+                return localizedFormat(controller_.enabledAt(row) ? "ShortcutEnabledCellOn" : "ShortcutEnabledCellOff",
+                                       {controller_.commandAt(row)});
             if (role == Qt::AccessibleDescriptionRole) return localized("ShortcutEnabledCellHint");
             break;
         case ShortcutsTab::CommandColumn:
