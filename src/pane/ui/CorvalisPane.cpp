@@ -71,7 +71,6 @@ ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QO
 
 // The tabs go first: an open recording tells the controller to resume its hot keys.
 ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() {
-    if (window_) window_->removeEventFilter(this);
     _paneControllers = PaneControllers();
     tabControllers_.clear();
 }
