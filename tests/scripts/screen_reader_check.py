@@ -57,29 +57,56 @@ def do_action(node, name):
         node.name, name, [action.getName(i) for i in range(action.nActions)]))
 
 
-def check_windows(app, problems):
+def describe(node, depth):
+    states = node.getState()
+    extra = []
+    if states.contains(pyatspi.STATE_CHECKABLE):
+        extra.append("checked" if states.contains(pyatspi.STATE_CHECKED) else "unchecked")
+    if states.contains(pyatspi.STATE_EDITABLE):
+        extra.append("editable")
+    try:
+        actions = node.queryAction()
+        extra += ["action " + actions.getName(i) for i in range(actions.nActions)]
+    except NotImplementedError:
+        pass
+    if node.description:
+        extra.append("description %r" % node.description)
+    return "  %s%s %r %s" % ("  " * min(depth, 6), node.getRoleName(), node.name, ", ".join(extra))
+
+
+def check_windows(app, problems, seen):
+    """Prints each focusable control once (a table's first row and a count of its cells)."""
     for window in app:
         print("window %r (%s)" % (window.name, window.getRoleName()))
+        cells = 0
         for node, depth in walk(window):
             states = node.getState()
             if not states.contains(pyatspi.STATE_FOCUSABLE) or not states.contains(pyatspi.STATE_SHOWING):
                 continue
             role = node.getRoleName()
-            extra = []
-            if states.contains(pyatspi.STATE_CHECKABLE):
-                extra.append("checked" if states.contains(pyatspi.STATE_CHECKED) else "unchecked")
-            if states.contains(pyatspi.STATE_EDITABLE):
-                extra.append("editable")
-            try:
-                actions = node.queryAction()
-                extra += ["action " + actions.getName(i) for i in range(actions.nActions)]
-            except NotImplementedError:
-                pass
-            if node.description:
-                extra.append("description %r" % node.description)
-            print("  %s%s %r %s" % ("  " * min(depth, 6), role, node.name, ", ".join(extra)))
             if not node.name.strip():
                 problems.append("%s without a name in window %r" % (role, window.name))
+            if role == "table cell":
+                cells += 1
+                if cells > 3:
+                    continue
+            key = (window.name, role, node.name)
+            if key not in seen:
+                seen.add(key)
+                print(describe(node, depth))
+        if cells:
+            print("    ... %d table cells showing, each named" % cells if not problems else "    ... %d table cells" % cells)
+
+
+def walk_every_tab(app, problems, seen):
+    main_window = next(w for w in app if w.getRoleName() == "frame")
+    tabs = [n for n, _ in walk(main_window) if n.getRoleName() == "page tab"]
+    for tab in tabs:
+        print("-- tab %r" % tab.name)
+        do_action(tab, "Press")
+        time.sleep(0.5)
+        check_windows(app, problems, seen)
+    do_action(tabs[0], "Press")
 
 
 def main():
@@ -88,15 +115,16 @@ def main():
         print("corvalis-settings did not appear on the accessibility bus")
         return 1
     problems = []
+    seen = set()
 
     # First use: the welcome sheet is up. Walk it, then leave it with its Continue button.
     welcome = wait_for(lambda: next((w for w in app if w.name == "Welcome to Corvalis"), None), 5)
     if welcome:
-        check_windows(app, problems)
+        check_windows(app, problems, seen)
         button = next(n for n, _ in walk(welcome) if n.getRoleName() == "push button" and n.name == "Continue")
         do_action(button, "Press")
         wait_for(lambda: all(w.name != "Welcome to Corvalis" for w in app), 5)
-    check_windows(app, problems)
+    walk_every_tab(app, problems, seen)
 
     switch = next((n for w in app for n, _ in walk(w) if n.name == SWITCH_NAME), None)
     if switch is None:
