@@ -1,7 +1,7 @@
 #include "keys/FixedCommands.h"
 
 #include "keys/KeyStrings.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

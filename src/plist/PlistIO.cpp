@@ -149,7 +149,7 @@ struct NodeBuilder {
     plist_t build(const Value& value, int depth) {
         if (depth > kMaxNestingDepth) return fail("nesting deeper than " + std::to_string(kMaxNestingDepth) + " levels");
         switch (value.type()) {
-        case Type::Boolean: return plist_new_bool(*value.toBool() ? 1 : 0);
+        case Type::Boolean: return plist_new_bool(*value.boolean() ? 1 : 0);
         case Type::Integer: {
             const Integer& i = *value.integer();
             if (!i.isSigned() && i.bits > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))

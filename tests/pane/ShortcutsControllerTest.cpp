@@ -2,7 +2,7 @@
 #include "keys/KeysFixture.h"
 #include "pane/ComKestrovaShortcutsController.h"
 #include "keys/KeyStrings.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
 #include "support/RecordingEditorView.h"
 

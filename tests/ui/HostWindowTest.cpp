@@ -12,7 +12,7 @@
 #include "pane/ui/CorvalisPane.h"
 #include "platform/FileDomainStore.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/IntegrationSupport.h"
 
 using namespace corvalis;
@@ -40,7 +40,7 @@ protected:
 
     bool savedOn() {
         auto stored = FileDomainStore(dir / "prefs").persistentDomainForName("com.kestrova.Corvalis");
-        return stored && (*stored)[keys::TurnOnCorvalis].boolValue().value_or(false);
+        return stored && (*stored)[keys::TurnOnCorvalis].toBool().value_or(false);
     }
 
     test::TempDir dir;
