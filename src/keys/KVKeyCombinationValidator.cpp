@@ -1,6 +1,5 @@
 #include "keys/KVKeyCombinationValidator.h"
 
-#include "keys/ComKestrovaShortcutsController.h"
 #include "keys/KVKeyCombinationCenter.h"
 #include "keys/KeyStrings.h"
 #include "prefs/CorvalisPreferences.h"
@@ -43,10 +42,9 @@ const char* groupMessage(std::int64_t action) {
 }  // namespace
 
 std::string KVKeyCombinationValidator::commandName(const std::string& commandId) const {
-    if (!_shortcutsController) return "";
-    const auto& names = _shortcutsController->localizedCommands();
-    auto found = names.find(commandId);
-    return found == names.end() ? "" : found->second;
+    if (!_localizedCommands) return "";
+    auto found = _localizedCommands->find(commandId);
+    return found == _localizedCommands->end() ? "" : found->second;
 }
 
 bool KVKeyCombinationValidator::validateKeyCombination(const std::optional<KVKeyCombination>& combination,

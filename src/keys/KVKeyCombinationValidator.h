@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -14,14 +15,14 @@
 namespace corvalis {
 
 class CorvalisPreferences;
-class ComKestrovaShortcutsController;
 
 class KVKeyCombinationValidator {
 public:
     explicit KVKeyCombinationValidator(CorvalisPreferences& prefs) : _prefs(prefs) {}
 
     // Wiring to the tabs that show combinations (each optional).
-    void setShortcutsController(const ComKestrovaShortcutsController* controller) { _shortcutsController = controller; }
+    // The commands' names by id, as the Shortcuts tab shows them (null: none named).
+    void setLocalizedCommands(const std::map<std::string, std::string>* names) { _localizedCommands = names; }
     void setSelectedGroup(std::function<std::optional<plist::Dictionary>()> selectedGroup) {
         _selectedGroup = std::move(selectedGroup);
     }
@@ -54,7 +55,7 @@ private:
     std::string commandName(const std::string& commandId) const;
 
     CorvalisPreferences& _prefs;
-    const ComKestrovaShortcutsController* _shortcutsController = nullptr;
+    const std::map<std::string, std::string>* _localizedCommands = nullptr;
     std::function<std::optional<plist::Dictionary>()> _selectedGroup;
     std::function<void()> _groupShortcutField;
     std::function<void()> _hotKeysTable;

@@ -1,4 +1,4 @@
-#include "keys/ComKestrovaShortcutsController.h"
+#include "keys/FixedCommands.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/KeyStrings.h"
 #include "keys/KeysFixture.h"
@@ -32,8 +32,7 @@ class Validator : public test::PrefsTest {
 protected:
     test::ScopedLayout us{"us"};
     KVKeyCombinationValidator validator{prefs};
-    test::RecordingShortcutsView view;
-    ComKestrovaShortcutsController shortcuts{prefs, validator, bus, view};
+    std::map<std::string, std::string> commandNames = localizedFixedCommands();
 
     // Hot keys on ⇧⌃A, ⇧⌃S, ⇧⌃D, ⇧⌃F; ⌘1 for "Quit All"; groups on ⌘2 (Action 0) and ⌘4 (2).
     void SetUp() override {
@@ -44,7 +43,7 @@ protected:
             {keys::Groups, Array{group("Work", "2000", KVKeyCombination(0, 0x13, kCommand), 0),
                                  group("Tools", "2002", KVKeyCombination(0, 0x15, kCommand), 2),
                                  group("Empty", "2003", std::nullopt, 0)}}});
-        shortcuts.initializePane(true);
+        validator.setLocalizedCommands(&commandNames);
     }
 
     std::string refusal(KVKeyCombination combination) {

@@ -1,7 +1,7 @@
 #include <map>
 #include <set>
 
-#include "keys/ComKestrovaShortcutsController.h"
+#include "keys/FixedCommands.h"
 #include "keys/EvdevKeyCodes.h"
 #include "keys/KVKeyCombination.h"
 #include "keys/KeyStrings.h"

@@ -1,7 +1,6 @@
 #pragma once
 // Real keyboard layouts from the system's keyboard data, and preferences kept in memory.
 
-#include "keys/ComKestrovaShortcutsController.h"
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationCenter.h"
 #include "platform/linux/XkbKeyboardLayout.h"
@@ -45,18 +44,5 @@ inline plist::Dictionary shortcutRecord(const KVKeyCombination& combination, boo
     record.set(keys::Enabled, enabled);
     return record;
 }
-
-// The shortcuts table as calls, in order.
-class RecordingShortcutsView : public ShortcutsView {
-public:
-    std::vector<std::string> calls;
-    void reloadData() override { calls.push_back("reload"); }
-    void deselectAll() override { calls.push_back("deselect"); }
-    void scrollRowToVisible(int row) override { calls.push_back("scroll " + std::to_string(row)); }
-    void beep() override { calls.push_back("beep"); }
-    void showAlert(const std::string& title, const std::string& text, const std::string& button) override {
-        calls.push_back("alert " + title + " | " + text + " | " + button);
-    }
-};
 
 }  // namespace corvalis::test

@@ -79,6 +79,9 @@ TEST_F(ShortcutsTabTest, CheckBoxStoresAndTellsTheControllerAndRecoloursTheCombi
 
     QTest::keyClick(table(), Qt::Key_Space);
     EXPECT_EQ(cell(2, ShortcutsTab::EnabledColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
+    // What a screen reader says follows: the state in the box's name, the keys in the cell's.
+    EXPECT_EQ(cell(2, ShortcutsTab::EnabledColumn).data(Qt::AccessibleTextRole).toString(), "Quit All Applications: shortcut on");
+    EXPECT_EQ(cell(2, ShortcutsTab::KeyCombinationColumn).data(Qt::AccessibleTextRole).toString(), "Shortcut of Quit All Applications: ⌘K");
     EXPECT_EQ(postedNames(), std::vector<std::string>{notifications::CorvalisPaneChangedShortcuts});
     table()->clearSelection();
     EXPECT_FALSE(cell(2, ShortcutsTab::KeyCombinationColumn).data(Qt::ForegroundRole).isValid());

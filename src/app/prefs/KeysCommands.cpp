@@ -6,7 +6,7 @@
 
 #include "app/prefs/CommandLine.h"
 #include "app/prefs/Session.h"
-#include "keys/ComKestrovaShortcutsController.h"
+#include "keys/FixedCommands.h"
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "pane/SystemKeyboardLayout.h"

@@ -1,5 +1,6 @@
 #include "app/settings/HostWindow.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
@@ -42,12 +43,35 @@ bool HostWindow::loadPane(const QString& pluginPath, QString* error) {
         *error = loader.errorString();
         return false;
     }
-    pane_ = plugin->createPane(this);
+    setPane(plugin->createPane(this));
+    return true;
+}
+
+void HostWindow::setPane(PreferencePane* pane) {
+    pane_ = pane;
     setWindowTitle(pane_->label());
     // The icon is one of the pane's images: there once the plugin is loaded.
     setWindowIcon(QIcon(":/images/CorvalisIcon.svg"));
     setCentralWidget(pane_->loadMainView());
-    return true;
+
+    // Ctrl+W closes, Ctrl+Q quits; with one window both take the close button's way,
+    // so the pane is asked first and saves. A sheet blocks both, as it blocks the button.
+    auto* closeWindow = new QAction(this);
+    closeWindow->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(QKeySequence::Close)});
+    connect(closeWindow, &QAction::triggered, this, &QWidget::close);
+    auto* quit = new QAction(this);
+    quit->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Q), QKeySequence(QKeySequence::Quit)});
+    connect(quit, &QAction::triggered, this, [this] {
+        if (close()) QApplication::quit();
+    });
+    addActions({closeWindow, quit});
+}
+
+void HostWindow::closeForSessionEnd() {
+    for (QDialog* sheet : findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly))
+        if (sheet->isVisible()) sheet->reject();
+    // Without the window the pane's quit handler saves and starts the controller.
+    if (!close()) QApplication::quit();
 }
 
 void HostWindow::showAndSelect() {

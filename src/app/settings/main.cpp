@@ -7,6 +7,7 @@
 
 #include "app/settings/FirstFrameProbe.h"
 #include "app/settings/HostWindow.h"
+#include "app/settings/TerminationSignals.h"
 
 using namespace corvalis;
 
@@ -39,6 +40,8 @@ int main(int argc, char** argv) {
         return 1;
     }
     if (options.isSet(firstFrame)) new FirstFrameProbe(&window);
+    TerminationSignals sessionEnd;
+    QObject::connect(&sessionEnd, &TerminationSignals::received, &window, &HostWindow::closeForSessionEnd);
     window.showAndSelect();
     if (options.isSet(screenshot)) {
         QString folder = options.value(screenshot);

@@ -10,7 +10,6 @@
 #include <QVBoxLayout>
 #include <functional>
 
-#include "controls/AlertSheet.h"
 #include "controls/KVTableView.h"
 #include "controls/LocalizedText.h"
 #include "keys/KVKeyCombinationCenter.h"
@@ -38,8 +37,12 @@ public:
         switch (index.column()) {
         case ShortcutsTab::EnabledColumn:
             if (role == Qt::CheckStateRole) return controller_.enabledAt(row) ? Qt::Checked : Qt::Unchecked;
-            // A screen reader names the check box after its command.
-            if (role == Qt::AccessibleTextRole) return QString::fromStdString(controller_.commandAt(row));
+            // A screen reader names the check box after its command and says how to use it. The
+            // state is in the name too: Qt's table cells do not report that they can be checked.
+            if (role == Qt::AccessibleTextRole)
+                return localizedFormat(controller_.enabledAt(row) ? "ShortcutEnabledCellOn" : "ShortcutEnabledCellOff",
+                                       {controller_.commandAt(row)});
+            if (role == Qt::AccessibleDescriptionRole) return localized("ShortcutEnabledCellHint");
             break;
         case ShortcutsTab::CommandColumn:
             if (role == Qt::DisplayRole) return QString::fromStdString(controller_.commandAt(row));
@@ -48,6 +51,11 @@ public:
             std::optional<KVKeyCombination> combination = controller_.keyCombinationAt(row);
             if (role == Qt::DisplayRole) return combination ? QString::fromStdString(combination->text()) : QString();
             if (role == KeyCombinationRole) return combination ? QVariant::fromValue(*combination) : QVariant();
+            if (role == Qt::AccessibleTextRole)
+                return localizedFormat("ShortcutKeyCombinationCell",
+                                       {controller_.commandAt(row),
+                                        combination ? combination->text() : LocalizedString("NoKeyCombination")});
+            if (role == Qt::AccessibleDescriptionRole) return localized("ShortcutKeyCombinationCellHint");
             if (role == Qt::ForegroundRole && colour_(row, controller_.enabledAt(row)) == ShortcutTextColour::LightGrey)
                 return QApplication::palette().brush(QPalette::Disabled, QPalette::Text);
             break;
@@ -114,10 +122,10 @@ private:
 ShortcutsTab::ShortcutsTab(CorvalisPreferences& prefs, NotificationCenter& distributed, QWidget* page,
                            QWidget* window, KVKeyCombinationValidator* validator, QObject* parent)
     : QObject(parent),
+      QtEditorView(window ? window : page->window()),
       ownValidator_(validator ? nullptr : std::make_unique<KVKeyCombinationValidator>(prefs)),
       validator_(validator ? *validator : *ownValidator_),
-      controller_(std::make_unique<ComKestrovaShortcutsController>(prefs, validator_, distributed, *this)),
-      window_(window ? window : page->window()) {
+      controller_(std::make_unique<ComKestrovaShortcutsController>(prefs, validator_, distributed, *this)) {
     content_ = new QWidget(page);
     auto* pageLayout = page->layout() ? page->layout() : new QVBoxLayout(page);
     pageLayout->addWidget(content_);
@@ -128,6 +136,7 @@ ShortcutsTab::ShortcutsTab(CorvalisPreferences& prefs, NotificationCenter& distr
     layout->addWidget(explanation);
 
     table_ = new KVTableView(content_);
+    setItemView(table_);
     model_ = new ShortcutsTableModel(
         *controller_, [this](int row, bool enabled) { return textColour(row, enabled); }, this);
     table_->setModel(model_);
@@ -157,42 +166,24 @@ ShortcutsTab::ShortcutsTab(CorvalisPreferences& prefs, NotificationCenter& distr
 }
 
 ShortcutsTab::~ShortcutsTab() {
-    // The widgets call into the controller (an open editor ends its recording), so they go first;
-    // a validator shared with other tabs must forget this table.
+    // The widgets call into the controller (an open editor ends its recording), so they go first.
     if (table_) table_->removeEventFilter(this);
     delete content_.data();
-    validator_.setKeyboardShortcutsTable({});
-    validator_.setShortcutsController(nullptr);
 }
 
 void ShortcutsTab::initializePane(bool firstTime) { controller_->initializePane(firstTime); }
 
 void ShortcutsTab::willShowPane() { controller_->willShowPane(); }
 
-void ShortcutsTab::updatePane(QString& report) {
-    std::string lines;
-    controller_->updatePane(lines);
-    report += QString::fromStdString(lines);
-}
+void ShortcutsTab::updatePane(std::string& report) { controller_->updatePane(report); }
 
 void ShortcutsTab::reloadData() { model_->reload(); }
 
-void ShortcutsTab::deselectAll() {
-    if (table_) table_->clearSelection();
-}
-
-void ShortcutsTab::scrollRowToVisible(int row) {
-    if (table_ && row >= 0 && row < model_->rowCount()) table_->scrollTo(model_->index(row, 0));
-}
-
-void ShortcutsTab::beep() { QApplication::beep(); }
-
-void ShortcutsTab::showAlert(const std::string& title, const std::string& informativeText, const std::string& button) {
-    QMessageBox* alert = makeAlertSheet(window_, QMessageBox::Warning, QString::fromStdString(title),
-                                        QString::fromStdString(informativeText));
-    alert->setDefaultButton(alert->addButton(QString::fromStdString(button), QMessageBox::AcceptRole));
-    alert_ = alert;
-    alert->open();
+void ShortcutsTab::ask(const EditorAlert& alert, std::function<void(int button)> answer) {
+    QtEditorView::ask(alert, std::move(answer));
+    // The sheet just opened is the window's newest message box.
+    QList<QMessageBox*> boxes = window()->findChildren<QMessageBox*>(QString(), Qt::FindDirectChildrenOnly);
+    alert_ = boxes.isEmpty() ? nullptr : boxes.last();
 }
 
 bool ShortcutsTab::eventFilter(QObject* watched, QEvent* event) {

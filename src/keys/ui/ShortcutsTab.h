@@ -9,8 +9,9 @@
 #include <memory>
 
 #include "controls/KVTableView.h"
-#include "keys/ComKestrovaShortcutsController.h"
-#include "pane/ui/PaneController.h"
+#include "controls/QtEditorView.h"
+#include "pane/ComKestrovaShortcutsController.h"
+#include "pane/PaneController.h"
 
 namespace corvalis {
 
@@ -19,7 +20,7 @@ class KVKeyCombinationValidator;
 class NotificationCenter;
 class ShortcutsTableModel;
 
-class ShortcutsTab : public QObject, public PaneController, public ShortcutsView {
+class ShortcutsTab : public QObject, public PaneController, public ShortcutsView, public QtEditorView {
     Q_OBJECT
 
 public:
@@ -33,19 +34,16 @@ public:
 
     void initializePane(bool firstTime) override;
     void willShowPane() override;
-    void updatePane(QString& report) override;
+    void updatePane(std::string& report) override;
 
     KVTableView* table() const { return table_; }
     ComKestrovaShortcutsController& controller() { return *controller_; }
     // The alert shown for a refused combination while it is open.
     QMessageBox* alert() const { return alert_; }
 
-    // What the controller asks of the table.
+    // What the controller asks of the table beyond what every editor's view does.
     void reloadData() override;
-    void deselectAll() override;
-    void scrollRowToVisible(int row) override;
-    void beep() override;
-    void showAlert(const std::string& title, const std::string& informativeText, const std::string& button) override;
+    void ask(const EditorAlert& alert, std::function<void(int button)> answer) override;
 
 private:
 
@@ -56,7 +54,6 @@ private:
     std::unique_ptr<KVKeyCombinationValidator> ownValidator_;
     KVKeyCombinationValidator& validator_;
     std::unique_ptr<ComKestrovaShortcutsController> controller_;
-    QWidget* window_;
     QPointer<QWidget> content_;
     QPointer<KVTableView> table_;
     ShortcutsTableModel* model_ = nullptr;

@@ -9,6 +9,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QToolButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
 #include <QUrl>
@@ -20,6 +21,7 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/ShortcutsTab.h"
+#include "pane/PaneControllers.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
 #include "pane/SystemKeyboardLayout.h"
@@ -41,7 +43,7 @@ class PaneSwitchView : public ControllerView {
 public:
     explicit PaneSwitchView(ComKestrovaCorvalis_PrefsPane& pane) : pane_(pane) {}
     bool isSwitchOn() const override { return pane_.onOffSwitch()->isChecked(); }
-    void setSwitchOn(bool on) override { pane_.onOffSwitch()->setChecked(on); }
+    void setSwitchOn(bool on) override { pane_.setSwitchState(on); }
     void beep() override { QApplication::beep(); }
 
 private:
@@ -49,8 +51,6 @@ private:
 };
 
 namespace {
-// Tab identifiers, in the order the tabs appear.
-const char* const kTabIdentifiers[] = {"Menus", "Groups", "Applications", "Shortcuts", "Options", "Resume"};
 constexpr int kWelcomeDelayMs = 500;
 }  // namespace
 
@@ -69,8 +69,11 @@ ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QO
         *prefs_, *controllerManager_, window_, [this] { reloadPane(); }, [this](QString& report) { collectReport(report); });
 }
 
-// The tab goes first: an open recording tells the controller to resume its hot keys.
-ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() { shortcutsController_.reset(); }
+// The tabs go first: an open recording tells the controller to resume its hot keys.
+ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() {
+    _paneControllers = PaneControllers();
+    tabControllers_.clear();
+}
 
 QWidget* ComKestrovaCorvalis_PrefsPane::loadMainView() {
     if (view_) return view_;
@@ -102,6 +105,10 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     auto* more = new QToolButton(view);
     more->setText(localized("MoreButton"));
     more->setAccessibleName(localized("MoreButton"));
+    more->setAccessibleDescription(localized("MoreButtonDescription"));
+    more->setToolTip(localized("MoreButtonDescription"));
+    // Reachable with Tab like the buttons beside it.
+    more->setFocusPolicy(Qt::StrongFocus);
     more->setPopupMode(QToolButton::InstantPopup);
     moreMenu_ = new QMenu(more);
     moreMenu_->addAction(localized("About"), this, &ComKestrovaCorvalis_PrefsPane::onAbout);
@@ -117,52 +124,89 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     layout->addLayout(top);
 
     tabs_ = new QTabWidget(view);
-    for (const char* identifier : kTabIdentifiers) {
+    tabs_->setAccessibleName(localized("Tabs"));
+    tabs_->tabBar()->setAccessibleName(localized("Tabs"));
+    for (const std::string& identifier : PaneControllers::tabOrder()) {
         auto* page = new QWidget(tabs_);
-        page->setObjectName(identifier);
-        tabs_->addTab(page, localized(identifier));
+        page->setObjectName(QString::fromStdString(identifier));
+        QString title = localized(identifier.c_str());
+        page->setAccessibleName(title);
+        tabs_->addTab(page, title);
     }
     layout->addWidget(tabs_, 1);
     // Key names follow the user's layout, read once here for every tab that shows keys.
     useSystemKeyboardLayout();
-    shortcutsController_ = std::make_unique<ShortcutsTab>(*prefs_, *distributed_, tabs_->findChild<QWidget*>("Shortcuts"),
-                                                          window_, keyCombinationValidator_.get());
-    connect(onOffSwitch_, &KVSwitchControl::clicked, this, &ComKestrovaCorvalis_PrefsPane::onTurnOn);
+
+    addTabController(tabs::Shortcuts, std::make_unique<ShortcutsTab>(*prefs_, *distributed_, page(tabs::Shortcuts),
+                                                                     window_, keyCombinationValidator_.get()));
+
+    // toggled, not clicked: a screen reader's toggle action and the keyboard change the state
+    // without a click. The label follows every change, the pane's own ones included.
+    connect(onOffSwitch_, &KVSwitchControl::toggled, this, &ComKestrovaCorvalis_PrefsPane::switchToggled);
     return view;
+}
+
+QWidget* ComKestrovaCorvalis_PrefsPane::page(const char* tab) const {
+    for (int i = 0; tabs_ && i < tabs_->count(); ++i)
+        if (tabs_->widget(i)->objectName() == QLatin1String(tab)) return tabs_->widget(i);
+    return nullptr;
+}
+
+void ComKestrovaCorvalis_PrefsPane::addTabController(const char* tab, std::unique_ptr<PaneController> controller) {
+    _paneControllers.add(tab, *controller);
+    tabControllers_.push_back(std::move(controller));
+}
+
+void ComKestrovaCorvalis_PrefsPane::setSwitchState(bool on) {
+    settingSwitch_ = true;
+    onOffSwitch_->setChecked(on);
+    settingSwitch_ = false;
+    showSwitchState();
+}
+
+void ComKestrovaCorvalis_PrefsPane::switchToggled(bool) {
+    showSwitchState();
+    if (!settingSwitch_) onTurnOn();
 }
 
 void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
     firstUse_ = prefs_->loadPreferences();
     onOffSwitch_->setControlSize(KVSwitchControl::ControlSize::Small);
-    onOffSwitch_->setChecked(prefs_->boolForKey(keys::TurnOnCorvalis));
-    showSwitchState();
+    setSwitchState(prefs_->boolForKey(keys::TurnOnCorvalis));
 
     keyCombinationValidator_->initializeHotKeys();
-    shortcutsController_->initializePane(true);
     if (!KVOperatingSystem::is10_7orLater()) {
-        for (int i = 0; i < tabs_->count(); ++i)
-            if (tabs_->widget(i)->objectName() == "Resume") tabs_->removeTab(i);
+        // Nothing to restore on such a system: the tab and its controller go.
+        tabs_->removeTab(tabs_->indexOf(page(tabs::Resume)));
+        _paneControllers.remove(tabs::Resume);
     }
+    _paneControllers.initializePanes(true);
     updates_->controller().initializeSoftwareUpdate(true);
-    _paneControllers = {{"Shortcuts", shortcutsController_.get()}};
     if (firstUse_) QTimer::singleShot(kWelcomeDelayMs, this, &ComKestrovaCorvalis_PrefsPane::_showWelcome);
     connect(tabs_, &QTabWidget::currentChanged, this, &ComKestrovaCorvalis_PrefsPane::tabChanged);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ComKestrovaCorvalis_PrefsPane::applicationWillTerminate);
+    window_->installEventFilter(this);
 }
 
-PaneController* ComKestrovaCorvalis_PrefsPane::controllerForTab(int index) const {
-    if (index < 0 || index >= tabs_->count()) return nullptr;
-    return _paneControllers.value(tabs_->widget(index)->objectName(), nullptr);
+std::string ComKestrovaCorvalis_PrefsPane::tabIdentifier(int index) const {
+    if (index < 0 || index >= tabs_->count()) return {};
+    return tabs_->widget(index)->objectName().toStdString();
 }
 
 void ComKestrovaCorvalis_PrefsPane::willSelect() {
     controllerManager_->_turnCorvalisControllerOnOrOff();
-    if (PaneController* controller = controllerForTab(tabs_->currentIndex())) controller->willShowPane();
-    shownTab_ = tabs_->currentIndex();
+    shownTab_ = tabIdentifier(tabs_->currentIndex());
+    _paneControllers.selectionWillChange("", shownTab_);
     _closeCorvalis = true;
 }
 
-void ComKestrovaCorvalis_PrefsPane::didSelect() {}
+void ComKestrovaCorvalis_PrefsPane::didSelect() { observingWindow_ = true; }
+
+bool ComKestrovaCorvalis_PrefsPane::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == window_ && event->type() == QEvent::WindowActivate && observingWindow_)
+        _paneControllers.windowDidBecomeMain(tabIdentifier(tabs_->currentIndex()));
+    return QObject::eventFilter(watched, event);
+}
 
 QDialog* ComKestrovaCorvalis_PrefsPane::attachedSheet() const {
     for (QDialog* dialog : window_->findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly))
@@ -174,7 +218,7 @@ PreferencePane::UnselectReply ComKestrovaCorvalis_PrefsPane::shouldUnselect() {
     return attachedSheet() ? UnselectReply::Cancel : UnselectReply::Now;
 }
 
-void ComKestrovaCorvalis_PrefsPane::willUnselect() {}
+void ComKestrovaCorvalis_PrefsPane::willUnselect() { observingWindow_ = false; }
 
 void ComKestrovaCorvalis_PrefsPane::didUnselect() {
     prefs_->saveToDefaults();
@@ -189,9 +233,9 @@ void ComKestrovaCorvalis_PrefsPane::applicationWillTerminate() {
 }
 
 void ComKestrovaCorvalis_PrefsPane::tabChanged(int index) {
-    if (PaneController* leaving = controllerForTab(shownTab_)) leaving->willHidePane();
-    if (PaneController* showing = controllerForTab(index)) showing->willShowPane();
-    shownTab_ = index;
+    std::string showing = tabIdentifier(index);
+    _paneControllers.selectionWillChange(shownTab_, showing);
+    shownTab_ = showing;
 }
 
 void ComKestrovaCorvalis_PrefsPane::showSwitchState() {
@@ -221,15 +265,16 @@ void ComKestrovaCorvalis_PrefsPane::onBackUpSettings() { backup_->onBackUpSettin
 void ComKestrovaCorvalis_PrefsPane::onImportFromBackup() { backup_->onImportFromBackup(); }
 
 void ComKestrovaCorvalis_PrefsPane::reloadPane() {
+    setSwitchState(prefs_->boolForKey(keys::TurnOnCorvalis));
     keyCombinationValidator_->initializeHotKeys();
-    for (PaneController* controller : _paneControllers)
-        if (controller) controller->initializePane(false);
+    _paneControllers.initializePanes(false);
     updates_->controller().initializeSoftwareUpdate(false);
 }
 
 void ComKestrovaCorvalis_PrefsPane::collectReport(QString& report) {
-    for (PaneController* controller : _paneControllers)
-        if (controller) controller->updatePane(report);
+    std::string lines;
+    _paneControllers.updatePanes(lines);
+    report += QString::fromStdString(lines);
 }
 
 void ComKestrovaCorvalis_PrefsPane::onHelp() {
@@ -288,6 +333,7 @@ QDialog* ComKestrovaCorvalis_PrefsPane::makeAboutSheet() {
     auto* layout = new QVBoxLayout(sheet);
     auto* icon = new QLabel(sheet);
     icon->setPixmap(KVIconServices::applicationIcon().pixmap(64, 64));
+    icon->setAccessibleName(localized("AboutIcon"));
     icon->setAlignment(Qt::AlignHCenter);
     auto* version = new QLabel(QString("<b>%1 %2</b>").arg(localized("CFBundleName"), QString::fromUtf8(kPaneVersion)), sheet);
     version->setAlignment(Qt::AlignHCenter);

@@ -3,12 +3,13 @@
 // switch and the pane-wide sheets, and follows the host's select/unselect cycle
 // so that the settings are saved and the controller runs whenever it is on.
 
-#include <QMap>
 #include <QObject>
 #include <QPointer>
 #include <memory>
+#include <vector>
 
-#include "pane/ui/PaneController.h"
+#include "pane/PaneController.h"
+#include "pane/PaneControllers.h"
 #include "pane/ui/PreferencePane.h"
 
 class QTabWidget;
@@ -24,7 +25,6 @@ class CorvalisPreferences;
 class DBusNotificationCenter;
 class FileDomainStore;
 class KVKeyCombinationValidator;
-class ShortcutsTab;
 class KVSwitchControl;
 class LinuxProcesses;
 class PaneSwitchView;
@@ -56,6 +56,14 @@ public:
     SoftwareUpdateSheet& softwareUpdate() { return *updates_; }
     QTabWidget* tabs() const { return tabs_; }
     KVSwitchControl* onOffSwitch() const { return onOffSwitch_; }
+    QLabel* switchLabel() const { return switchLabel_; }
+    // Moves the switch to what the settings say, without turning the controller on or off.
+    void setSwitchState(bool on);
+    // The tab's page, to be filled by its controller; null for a tab that is not shown.
+    QWidget* page(const char* tab) const;
+    // The pane drives the tab's controller from now on (and owns it).
+    void addTabController(const char* tab, std::unique_ptr<PaneController> controller);
+    PaneControllers& paneControllers() { return _paneControllers; }
     // The sheet shown over the window, if any.
     QDialog* attachedSheet() const;
 
@@ -73,12 +81,14 @@ public slots:
 private slots:
     void _showWelcome();
     void tabChanged(int index);
+    void switchToggled(bool on);
 
 private:
     QWidget* buildView();
     QDialog* makeWelcomeSheet();
     QDialog* makeAboutSheet();
-    PaneController* controllerForTab(int index) const;
+    std::string tabIdentifier(int index) const;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void showSwitchState();
     // A controller that did not quit when asked: the user may end it or wait longer.
     void askToForceQuit();
@@ -104,11 +114,15 @@ private:
     std::unique_ptr<ControllerManager> controllerManager_;
     std::unique_ptr<KVKeyCombinationValidator> keyCombinationValidator_;
     std::unique_ptr<SoftwareUpdateSheet> updates_;
-    std::unique_ptr<ShortcutsTab> shortcutsController_;
     std::unique_ptr<BackupSheets> backup_;
-    QMap<QString, PaneController*> _paneControllers;
-    int shownTab_ = -1;
+    std::vector<std::unique_ptr<PaneController>> tabControllers_;
+    PaneControllers _paneControllers;
+    std::string shownTab_;
     bool _closeCorvalis = false;
+    // Between didSelect and willUnselect the tabs hear of the window becoming active.
+    bool observingWindow_ = false;
+    // Set while the pane itself moves the switch, which is not the user turning it.
+    bool settingSwitch_ = false;
     bool firstUse_ = false;
 };
 

@@ -8,6 +8,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -47,11 +48,14 @@ void SoftwareUpdateSheet::build() {
     auto* settings = new QHBoxLayout;
     automatically_ = new QCheckBox(localized("AutomaticallyCheckForUpdates"), sheet);
     frequency_ = new QComboBox(sheet);
-    frequency_->setAccessibleName(localized("AutomaticallyCheckForUpdates"));
+    // A combo box's accessible name comes from its label (one set in code is not used), so it has one.
+    auto* frequencyLabel = new QLabel(localized("CheckFrequency"), sheet);
+    frequencyLabel->setBuddy(frequency_);
     frequency_->addItem(localized("CheckDaily"), 1);
     frequency_->addItem(localized("CheckWeekly"), 7);
     frequency_->addItem(localized("CheckMonthly"), 30);
     settings->addWidget(automatically_);
+    settings->addWidget(frequencyLabel);
     settings->addWidget(frequency_);
     settings->addStretch(1);
     layout->addLayout(settings);
@@ -65,6 +69,7 @@ void SoftwareUpdateSheet::build() {
     auto* notice = new QHBoxLayout;
     caution_ = new QLabel(sheet);
     caution_->setPixmap(QIcon(QStringLiteral(":/images/Caution.svg")).pixmap(kCautionSize, kCautionSize));
+    caution_->setAccessibleName(localized("CautionImage"));
     turnOn_ = new QLabel(localized("TurnCorvalisOn"), sheet);
     turnOn_->setWordWrap(true);
     notice->addWidget(caution_, 0, Qt::AlignTop);
@@ -80,18 +85,25 @@ void SoftwareUpdateSheet::build() {
     buttons->addWidget(done_);
     layout->addLayout(buttons);
 
-    // Only the user's own choices are stored; the controller's updates of the controls are not echoed back.
-    connect(automatically_, &QCheckBox::clicked, this,
+    // Only the user's own choices are stored: the controller's updates of the controls are made
+    // with signals blocked. State changes, not clicks, so a screen reader's toggle counts too.
+    connect(automatically_, &QCheckBox::toggled, this,
             [this](bool checked) { controller_->onAutomaticallyCheckForUpdates(checked); });
-    connect(frequency_, &QComboBox::activated, this,
+    connect(frequency_, &QComboBox::currentIndexChanged, this,
             [this](int index) { controller_->onCheckFrequency(frequency_->itemData(index).toInt()); });
     connect(checkNow_, &QPushButton::clicked, this, [this] { controller_->onCheckNow(); });
     connect(done_, &QPushButton::clicked, sheet, &QDialog::accept);
 }
 
-void SoftwareUpdateSheet::setAutomaticallyCheckForUpdates(bool checked) { automatically_->setChecked(checked); }
+void SoftwareUpdateSheet::setAutomaticallyCheckForUpdates(bool checked) {
+    QSignalBlocker quiet(automatically_);
+    automatically_->setChecked(checked);
+}
 
-void SoftwareUpdateSheet::selectCheckFrequency(int days) { frequency_->setCurrentIndex(frequency_->findData(days)); }
+void SoftwareUpdateSheet::selectCheckFrequency(int days) {
+    QSignalBlocker quiet(frequency_);
+    frequency_->setCurrentIndex(frequency_->findData(days));
+}
 
 void SoftwareUpdateSheet::setCheckFrequencyEnabled(bool enabled) { frequency_->setEnabled(enabled); }
 

@@ -1,4 +1,4 @@
-#include "keys/ComKestrovaShortcutsController.h"
+#include "pane/ComKestrovaShortcutsController.h"
 
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/KeyStrings.h"
@@ -13,36 +13,18 @@ namespace corvalis {
 using plist::Dictionary;
 using plist::Value;
 
-const std::vector<FixedCommand>& fixedCommands() {
-    static const std::vector<FixedCommand> commands = {
-        {1000, keystrings::ToggleAutoHidePanelCommand},
-        {1001, keystrings::QuitOthersCommand},
-        {1002, keystrings::QuitAllCommand},
-        {1017, keystrings::QuitExcludedCommand},
-        {1003, keystrings::HideActiveApplicationCommand},
-        {1004, keystrings::SwitchToPreviousApplicationCommand},
-        {1015, keystrings::SwitchToFinderCommand},
-        {1016, keystrings::SwitchToFinderAndHideOthersCommand},
-        {1005, keystrings::HideOthersCommand},
-        {1006, keystrings::ShowAllCommand},
-        {1007, keystrings::MinimizeAllCommand},
-        {1008, keystrings::BringAllToFrontCommand},
-        {1009, keystrings::ToggleSingleApplicationModeCommand},
-        {1010, keystrings::QuitLaunchFinderCommand},
-        {1011, keystrings::RelaunchFinderCommand},
-        {1012, keystrings::RelaunchDockCommand},
-        {1013, keystrings::LoginWindowCommand},
-        {1014, keystrings::ShowPreferencesCommand},
-    };
-    return commands;
-}
-
 ComKestrovaShortcutsController::ComKestrovaShortcutsController(CorvalisPreferences& prefs,
                                                                KVKeyCombinationValidator& validator,
                                                                NotificationCenter& distributed, ShortcutsView& view)
     : _prefs(prefs), _validator(validator), _distributed(distributed), _view(view) {
-    _validator.setShortcutsController(this);
+    _validator.setLocalizedCommands(&_localizedCommands);
     _validator.setKeyboardShortcutsTable([this] { _view.reloadData(); });
+}
+
+// The validator outlives the tab when other tabs share it.
+ComKestrovaShortcutsController::~ComKestrovaShortcutsController() {
+    _validator.setLocalizedCommands(nullptr);
+    _validator.setKeyboardShortcutsTable({});
 }
 
 void ComKestrovaShortcutsController::initializePane(bool firstTime) {
@@ -57,8 +39,8 @@ void ComKestrovaShortcutsController::initializePane(bool firstTime) {
     }
     _validateKeyboardShortcuts();
     _view.reloadData();
-    _view.deselectAll();
-    _view.scrollRowToVisible(0);
+    _view.selectRows({});
+    _view.scrollRowToVisible(EditorRow{0});
 }
 
 void ComKestrovaShortcutsController::willShowPane() { _validator.updateKeyboardShortcuts(); }
@@ -158,7 +140,9 @@ bool ComKestrovaShortcutsController::validateKeyCombination(const std::optional<
 
 void ComKestrovaShortcutsController::didFailToValidateKeyCombination(const std::string& error) {
     _view.beep();
-    _view.showAlert(error, LocalizedString(keystrings::ChooseAnotherCombination), LocalizedString(keystrings::OK));
+    _view.ask(EditorAlert{EditorAlert::Style::Warning, error, LocalizedString(keystrings::ChooseAnotherCombination),
+                          {LocalizedString(keystrings::OK)}},
+              {});
 }
 
 }  // namespace corvalis

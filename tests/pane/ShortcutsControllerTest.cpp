@@ -1,7 +1,10 @@
-#include "keys/ComKestrovaShortcutsController.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/KeysFixture.h"
+#include "pane/ComKestrovaShortcutsController.h"
+#include "keys/KeyStrings.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
+#include "support/RecordingEditorView.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
@@ -9,13 +12,17 @@ using test::shortcutRecord;
 
 namespace {
 
+struct RecordingShortcutsView : test::RecordingView<ShortcutsView> {
+    void reloadData() override { calls.push_back("reload"); }
+};
+
 constexpr std::uint32_t kCommand = modifiers::Command;
 
 class Shortcuts : public test::PrefsTest {
 protected:
     test::ScopedLayout us{"us"};
     KVKeyCombinationValidator validator{prefs};
-    test::RecordingShortcutsView view;
+    RecordingShortcutsView view;
     ComKestrovaShortcutsController controller{prefs, validator, bus, view};
 
     Dictionary stored(const std::string& id) {
@@ -37,6 +44,7 @@ TEST_F(Shortcuts, CommandsOnAHotKeyAreClearedWhenThePaneOpens) {
     load(Dictionary{{keys::HotKeys, test::factoryHotKeys()},
                     {keys::KeyboardShortcuts, Dictionary{{"1009", taken}, {"1003", free}}}});
     controller.initializePane(true);
+    EXPECT_EQ(view.calls, (std::vector<std::string>{"reload", "select", "scroll 0"}));  // from the top, nothing selected
     EXPECT_EQ(Value(stored("1009")), Value(Dictionary{{keys::Enabled, false}}));
     EXPECT_EQ(Value(stored("1003")), Value(free));
     Notification told = only();
@@ -92,4 +100,10 @@ TEST_F(Shortcuts, ALayoutChangeRedrawsTheTableOnce) {
     EXPECT_TRUE(view.calls.empty());  // nothing asked for a redraw
     validator.onKeyboardChanged();
     EXPECT_EQ(view.calls, std::vector<std::string>{"reload"});
+}
+
+TEST_F(Shortcuts, ARefusedCombinationBeepsAndExplainsWithOneButton) {
+    controller.didFailToValidateKeyCombination("Taken");
+    EXPECT_EQ(view.calls, (std::vector<std::string>{"beep", "ask Taken | " + LocalizedString(keystrings::ChooseAnotherCombination)}));
+    EXPECT_EQ(view.alerts.at(0).buttons, std::vector<std::string>{LocalizedString(keystrings::OK)});
 }

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "keys/FixedCommands.h"
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationRecorder.h"
+#include "pane/EditorView.h"
 
 namespace corvalis {
 
@@ -17,32 +19,20 @@ class CorvalisPreferences;
 class KVKeyCombinationValidator;
 class NotificationCenter;
 
-// What the logic asks of the tab's widgets.
-class ShortcutsView {
+// What the logic asks of the table: an editor's view, and redrawing every row
+// when key names change (no model signal says that).
+class ShortcutsView : public virtual EditorView {
 public:
-    virtual ~ShortcutsView() = default;
     virtual void reloadData() = 0;
-    virtual void deselectAll() = 0;
-    virtual void scrollRowToVisible(int row) = 0;
-    virtual void beep() = 0;
-    // A sheet on the main window with one button.
-    virtual void showAlert(const std::string& title, const std::string& informativeText, const std::string& button) = 0;
 };
 
 enum class ShortcutTextColour { ControlText, LightGrey };
-
-// One of the controller's fixed commands: its id and the string key of its name.
-struct FixedCommand {
-    unsigned id;
-    const char* nameKey;
-};
-// The eighteen commands, in the order of the table's rows.
-const std::vector<FixedCommand>& fixedCommands();
 
 class ComKestrovaShortcutsController : public KeyCombinationFieldDelegate {
 public:
     ComKestrovaShortcutsController(CorvalisPreferences& prefs, KVKeyCombinationValidator& validator,
                                    NotificationCenter& distributed, ShortcutsView& view);
+    ~ComKestrovaShortcutsController() override;
 
     // The view that takes focus after recording (the table).
     void setTable(Responder table) { _table = table; }
