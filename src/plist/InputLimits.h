@@ -1,7 +1,7 @@
 #pragma once
-// Cheap structural checks run before a buffer reaches libplist, whose parser
-// and tree functions recurse once per nesting level and would exhaust the
-// stack on a hostile file.
+// A cheap structural check run before XML reaches libplist, whose parser and
+// tree functions recurse once per nesting level and would exhaust the stack on
+// a hostile file.
 
 #include <cstdint>
 #include <span>
@@ -11,9 +11,5 @@ namespace corvalis::plist::detail {
 
 // "" when the XML text nests containers at most `maxDepth` deep.
 std::string checkXmlNesting(std::span<const std::uint8_t> bytes, int maxDepth);
-
-// "" when the binary property list's object graph is well formed (offsets and
-// references in range, no cycles) and at most `maxDepth` deep.
-std::string checkBinaryStructure(std::span<const std::uint8_t> bytes, int maxDepth);
 
 }  // namespace corvalis::plist::detail

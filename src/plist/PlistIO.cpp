@@ -9,6 +9,7 @@
 #include <limits>
 #include <memory>
 
+#include "plist/BinaryPlist.h"
 #include "plist/InputLimits.h"
 
 namespace corvalis::plist {
@@ -116,10 +117,17 @@ Value fromNode(plist_t node) {
         return Value(Date{sec < 0 ? sec - fraction : sec + fraction});
     }
     case PLIST_ARRAY: {
+        // Walked with an iterator: libplist finds the n-th item by counting from the first.
         Array array;
-        std::uint32_t n = plist_array_get_size(node);
-        array.reserve(n);
-        for (std::uint32_t i = 0; i < n; ++i) array.append(fromNode(plist_array_get_item(node, i)));
+        array.reserve(plist_array_get_size(node));
+        plist_array_iter it = nullptr;
+        plist_array_new_iter(node, &it);
+        for (plist_t item = nullptr;;) {
+            plist_array_next_item(node, it, &item);
+            if (!item) break;
+            array.append(fromNode(item));
+        }
+        std::free(it);
         return array;
     }
     case PLIST_DICT: {
@@ -225,22 +233,21 @@ ParseResult parse(std::span<const std::uint8_t> bytes) {
     }
     bool binary = bytes.size() >= 8 && std::memcmp(bytes.data(), kBinaryMagic, 8) == 0;
     result.format = binary ? Format::Binary : Format::Xml;
-    std::string problem = binary ? detail::checkBinaryStructure(bytes, kMaxNestingDepth)
-                                 : detail::checkXmlNesting(bytes, kMaxNestingDepth);
+    if (binary) {
+        result.error = detail::readBinary(bytes, kMaxNestingDepth, result.value);
+        if (!result.ok()) result.value = Value();
+        return result;
+    }
+    std::string problem = detail::checkXmlNesting(bytes, kMaxNestingDepth);
     if (!problem.empty()) {
         result.error = problem;
         return result;
     }
     plist_t raw = nullptr;
-    auto* text = reinterpret_cast<const char*>(bytes.data());
-    auto length = static_cast<std::uint32_t>(bytes.size());
-    if (binary)
-        plist_from_bin(text, length, &raw);
-    else
-        plist_from_xml(text, length, &raw);
+    plist_from_xml(reinterpret_cast<const char*>(bytes.data()), static_cast<std::uint32_t>(bytes.size()), &raw);
     Node node(raw);
     if (!node) {
-        result.error = binary ? "not a valid binary property list" : "not a valid XML property list";
+        result.error = "not a valid XML property list";
         return result;
     }
     result.value = fromNode(node.get());
@@ -253,6 +260,10 @@ ParseResult parse(std::string_view text) {
 
 WriteResult serialize(const Value& value, Format format) {
     WriteResult result;
+    if (format == Format::Binary) {
+        result.bytes = detail::writeBinary(value, kMaxNestingDepth, result.error);
+        return result;
+    }
     NodeBuilder builder;
     Node node(builder.build(value, 1));
     if (!node) {
@@ -261,10 +272,7 @@ WriteResult serialize(const Value& value, Format format) {
     }
     char* out = nullptr;
     std::uint32_t length = 0;
-    if (format == Format::Binary)
-        plist_to_bin(node.get(), &out, &length);
-    else
-        plist_to_xml(node.get(), &out, &length);
+    plist_to_xml(node.get(), &out, &length);
     MallocText owned(out);
     if (!out) {
         result.error = "property list could not be written";
