@@ -24,6 +24,7 @@
 #include "pane/ControllerManager.h"
 #include "pane/ui/BackupSheets.h"
 #include "pane/ui/ControllerAlerts.h"
+#include "pane/ui/UnreadableDomainsAlert.h"
 #include "pane/ui/SoftwareUpdateSheet.h"
 #include "platform/FileDomainStore.h"
 #include "platform/linux/DBusNotificationCenter.h"
@@ -133,6 +134,7 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
 
 void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
     firstUse_ = prefs_->loadPreferences();
+    tellOfUnreadableDomains(window_, *prefs_);
     onOffSwitch_->setControlSize(KVSwitchControl::ControlSize::Small);
     onOffSwitch_->setChecked(prefs_->boolForKey(keys::TurnOnCorvalis));
     showSwitchState();
