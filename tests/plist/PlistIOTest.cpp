@@ -190,10 +190,34 @@ TEST(PlistIO, GiganticSizesAreRefused) {
     EXPECT_FALSE(parse(std::span<const std::uint8_t>(bytes)).ok());
 }
 
-TEST(PlistIO, TextHoldingANulByteReadsUpToIt) {
-    const char text[] = "<plist><array><string>ab\0cd</string></array></plist>";
-    std::string xml(text, sizeof text - 1);
-    ParseResult parsed = parse(std::string_view(xml));
-    ASSERT_TRUE(parsed.ok()) << parsed.error;
-    EXPECT_EQ(*(*parsed.value.array())[0].string(), "ab");
+TEST(PlistIO, XmlTheStoreCannotHoldExactlyIsRefused) {
+    const char nul[] = "<plist><array><string>ab\0cd</string></array></plist>";
+    struct Case {
+        std::string xml;
+        const char* reason;
+    } cases[] = {
+        {std::string(nul, sizeof nul - 1), "NUL"},
+        {"<plist><integer>12abc</integer></plist>", "malformed integer"},
+        {"<plist><integer>18446744073709551616</integer></plist>", "64-bit"},
+        {"<plist><integer>-9223372036854775809</integer></plist>", "64-bit"},
+        {"<plist><string>caf\xE9</string></plist>", "UTF-8"},
+        {"<plist><date>2001-13-01T00:00:00Z</date></plist>", "malformed date"},
+        {"<plist><real>1.5x</real></plist>", "malformed real"},
+    };
+    for (const Case& c : cases) {
+        ParseResult parsed = parse(std::string_view(c.xml));
+        EXPECT_NE(parsed.error.find(c.reason), std::string::npos) << c.xml << ": " << parsed.error;
+    }
+    ParseResult exact = parse(std::string_view(
+        "<?xml version=\"1.0\"?><!DOCTYPE plist><plist version=\"1.0\"><array><integer>18446744073709551615</integer>"
+        "<integer>-9223372036854775808</integer><date>1900-01-01T00:00:00Z</date><date>2100-01-01T00:00:00Z</date>"
+        "<string>&lt;&#x65E5;<![CDATA[&]]></string></array></plist>"));
+    ASSERT_TRUE(exact.ok()) << exact.error;
+    const Array& items = *exact.value.array();
+    EXPECT_EQ(items[0].integer()->toUInt64(), UINT64_MAX);
+    EXPECT_EQ(items[1].integer()->toInt64(), INT64_MIN);
+    EXPECT_EQ(items[2].date()->seconds, -3187296000.0);
+    EXPECT_EQ(items[3].date()->seconds, 3124137600.0);
+    EXPECT_EQ(*items[4].string(), "<日&");
+    EXPECT_EQ(roundTrip(exact.value, Format::Xml).value, exact.value);
 }
