@@ -13,6 +13,7 @@ struct KeyWriter {
     std::string out;
     std::size_t used = 0;
     bool put(const char* bytes, std::size_t length) {
+        if (length == 0) return true;  // empty data has no bytes to point at
         if (out.size() - used < length) out.resize(std::max(out.size() * 2, used + length + 4096));
         std::memcpy(out.data() + used, bytes, length);
         used += length;
@@ -24,6 +25,7 @@ struct KeyMatcher {
     std::string_view key;
     std::size_t at = 0;
     bool put(const char* bytes, std::size_t length) {
+        if (length == 0) return true;
         if (key.size() - at < length || std::memcmp(key.data() + at, bytes, length) != 0) return false;
         at += length;
         return true;

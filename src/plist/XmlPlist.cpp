@@ -54,7 +54,7 @@ public:
         if (text_.starts_with("\xEF\xBB\xBF")) pos_ = 3;
         skipMisc();
         if (!fail_.empty()) return fail_;
-        bool wrapped = text_.compare(pos_, 6, "<plist") == 0 && pos_ + 6 < text_.size() &&
+        bool wrapped = text_.substr(pos_).starts_with("<plist") && pos_ + 6 < text_.size() &&
                        (isSpace(text_[pos_ + 6]) || text_[pos_ + 6] == '>');
         if (wrapped) {
             std::size_t close = text_.find('>', pos_);
@@ -79,7 +79,7 @@ private:
     }
 
     bool consume(std::string_view literal) {
-        if (text_.compare(pos_, literal.size(), literal) != 0) return false;
+        if (pos_ > text_.size() || !text_.substr(pos_).starts_with(literal)) return false;
         pos_ += literal.size();
         return true;
     }
@@ -109,7 +109,8 @@ private:
                     brackets += text_[pos_] == '[' ? 1 : text_[pos_] == ']' ? -1 : 0;
                     ++pos_;
                 }
-                if (pos_++ >= text_.size()) return void(error("not a valid XML property list"));
+                if (pos_ >= text_.size()) return void(error("not a valid XML property list"));
+                ++pos_;
             } else {
                 return;
             }

@@ -147,6 +147,7 @@ TEST(PlistIO, BadInputGivesAnErrorNeverACrash) {
     EXPECT_FALSE(parse(std::string_view("hello, world")).ok());
     EXPECT_FALSE(parse(std::string_view("<plist><dict><key>a</key>")).ok());
     EXPECT_FALSE(parse(std::string_view("bplist00")).ok());
+    EXPECT_FALSE(parse(std::string_view("<!DOCTYPE plist [")).ok());  // ends inside the document type
 
     WriteResult good = serialize(sample(), Format::Binary);
     for (std::size_t cut : {good.bytes.size() - 1, good.bytes.size() / 2, std::size_t(12)}) {
