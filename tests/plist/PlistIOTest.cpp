@@ -1,7 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "plist/PlistIO.h"
 
@@ -221,4 +227,41 @@ TEST(PlistIO, XmlTheStoreCannotHoldExactlyIsRefused) {
     EXPECT_EQ(items[3].date()->seconds, 3124137600.0);
     EXPECT_EQ(*items[4].string(), "<日&");
     EXPECT_EQ(roundTrip(exact.value, Format::Xml).value, exact.value);
+}
+
+TEST(PlistIO, PythonPlistlibReadsWhatWeWriteAndWeReadWhatItWrites) {
+    // The same values on both sides: limits of integers, dates outside libplist's 32 bits, text beyond ASCII.
+    const char* script = R"(
+import datetime, plistlib, sys
+values = {"Max": 2**64 - 1, "Min": -2**63, "Old": datetime.datetime(1900, 1, 1), "Late": datetime.datetime(2100, 1, 1),
+          "Text": "Gr\u00fc\u00dfe \U0001F600 <&>", "Data": b"\x00\xff", "Real": 0.1, "List": [True, False, {}]}
+for name, fmt in (("xml", plistlib.FMT_XML), ("bplist", plistlib.FMT_BINARY)):
+    if sys.argv[1] == "write":
+        open(sys.argv[2] + "/python." + name, "wb").write(plistlib.dumps(values, fmt=fmt))
+    else:
+        assert plistlib.load(open(sys.argv[2] + "/ours." + name, "rb")) == values, name
+)";
+    Dictionary expected{{"Max", Value::uint64(UINT64_MAX)}, {"Min", Value::int64(INT64_MIN)},
+                        {"Old", Date{-3187296000.0}}, {"Late", Date{3124137600.0}},
+                        {"Text", "Grüße 😀 <&>"}, {"Data", Data{0, 255}}, {"Real", Value::real64(0.1)},
+                        {"List", Array{true, false, Dictionary{}}}};
+    std::filesystem::path dir = std::filesystem::temp_directory_path() / ("plistlib-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(dir);
+    std::ofstream(dir / "oracle.py") << script;
+    auto python = [&](const char* mode) {
+        return std::system(("python3 " + (dir / "oracle.py").string() + " " + mode + " " + dir.string()).c_str());
+    };
+    ASSERT_EQ(python("write"), 0);
+    for (const char* name : {"xml", "bplist"}) {
+        std::ifstream in(dir / (std::string("python.") + name), std::ios::binary);
+        std::string bytes((std::istreambuf_iterator<char>(in)), {});
+        ParseResult parsed = parse(std::string_view(bytes));
+        ASSERT_TRUE(parsed.ok()) << name << ": " << parsed.error;
+        EXPECT_EQ(parsed.value, Value(expected)) << name;
+        WriteResult ours = serialize(expected, std::string_view(name) == "xml" ? Format::Xml : Format::Binary);
+        std::ofstream(dir / (std::string("ours.") + name), std::ios::binary)
+            .write(reinterpret_cast<const char*>(ours.bytes.data()), static_cast<std::streamsize>(ours.bytes.size()));
+    }
+    EXPECT_EQ(python("read"), 0);
+    std::filesystem::remove_all(dir);
 }
