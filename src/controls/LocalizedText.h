@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

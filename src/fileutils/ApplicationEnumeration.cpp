@@ -14,7 +14,7 @@
 
 #include "fileutils/PathLimits.h"
 #include "fileutils/PathResolution.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {

@@ -321,7 +321,7 @@ bool RequiresNativeExecution(const std::string& bundlePath) {
     if (bundlePath.empty() || !isDirectory(bundlePath)) return false;
     auto info = readInfoDictionary(bundlePath);
     if (!info) return false;
-    return (*info)["LSRequiresNativeExecution"].boolValue().value_or(false);
+    return (*info)["LSRequiresNativeExecution"].toBool().value_or(false);
 }
 
 int SetCPUType(int) {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {

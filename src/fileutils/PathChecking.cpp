@@ -9,7 +9,7 @@
 
 #include "fileutils/PathLimits.h"
 #include "fileutils/PathResolution.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -117,7 +117,7 @@ bool CheckPath(const plist::Dictionary& record, const Workspace& workspace) {
 }
 
 bool CheckOpenMenuItemPath(const plist::Dictionary& record, const Workspace& workspace) {
-    bool nameIsCustom = record[keys::NameIsCustom].boolValue().value_or(false);
+    bool nameIsCustom = record[keys::NameIsCustom].toBool().value_or(false);
     return checkRecord(
         record,
         [nameIsCustom](const std::string& path) -> std::optional<std::string> {

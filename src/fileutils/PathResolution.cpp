@@ -20,7 +20,7 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "fileutils/PathLimits.h"
 #include "platform/DesktopEntry.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 
@@ -408,7 +408,7 @@ bool CopyApplicationInfoDictionaryPresentationOptions(const std::string& bundleP
     // A string counts only when it is exactly "1"; a boolean counts as itself.
     auto flag = [](const plist::Value& value) {
         if (const std::string* text = value.string()) return *text == "1";
-        if (value.type() == plist::Type::Boolean) return value.toBool().value_or(false);
+        if (value.type() == plist::Type::Boolean) return value.boolean().value_or(false);
         return false;
     };
     const plist::Value* uiElement = info->find("LSUIElement");

@@ -4,9 +4,9 @@
 #include "keys/KeyStrings.h"
 #include "platform/NotificationCenter.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -88,7 +88,7 @@ std::optional<Dictionary> ComKestrovaShortcutsController::recordAt(int row) cons
 
 bool ComKestrovaShortcutsController::enabledAt(int row) const {
     std::optional<Dictionary> record = recordAt(row);
-    return record && (*record)[keys::Enabled].boolValue().value_or(false);
+    return record && (*record)[keys::Enabled].toBool().value_or(false);
 }
 
 std::string ComKestrovaShortcutsController::commandAt(int row) const {

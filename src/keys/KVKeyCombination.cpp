@@ -1,7 +1,7 @@
 #include "keys/KVKeyCombination.h"
 
 #include "keys/KVKeyCombinationCenter.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -9,13 +9,13 @@ using plist::Dictionary;
 using plist::Value;
 
 std::optional<std::uint16_t> storedVirtualKeyCode(const Dictionary& record) {
-    std::optional<std::int64_t> code = record[keys::VirtualKeyCode].longLongValue();
+    std::optional<std::int64_t> code = record[keys::VirtualKeyCode].toInt64();
     if (!code) return std::nullopt;
     return static_cast<std::uint16_t>(*code);
 }
 
 std::optional<std::uint32_t> storedModifiers(const Dictionary& record) {
-    std::optional<std::int64_t> mask = record[keys::Modifiers].longLongValue();
+    std::optional<std::int64_t> mask = record[keys::Modifiers].toInt64();
     if (!mask) return std::nullopt;
     return static_cast<std::uint32_t>(*mask);
 }
@@ -23,7 +23,7 @@ std::optional<std::uint32_t> storedModifiers(const Dictionary& record) {
 std::optional<KVKeyCombination> KVKeyCombination::fromDictionary(const Dictionary& record) {
     std::optional<std::uint16_t> code = storedVirtualKeyCode(record);
     if (!code) return std::nullopt;
-    auto character = static_cast<std::uint8_t>(record[keys::Character].longLongValue().value_or(0));
+    auto character = static_cast<std::uint8_t>(record[keys::Character].toInt64().value_or(0));
     return KVKeyCombination(character, *code, storedModifiers(record).value_or(0));
 }
 

@@ -4,7 +4,7 @@
 
 #include "keys/EvdevKeyCodes.h"
 #include "keys/KeyStrings.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

@@ -4,8 +4,8 @@
 #include "keys/KVKeyCombinationCenter.h"
 #include "keys/KeyStrings.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "text/Localization.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -78,7 +78,7 @@ bool KVKeyCombinationValidator::validateKeyCombination(const std::optional<KVKey
             const Dictionary* shortcut = group ? (*group)[keys::KeyboardShortcut].dictionary() : nullptr;
             if (!shortcut || !sameKey(*shortcut, *combination)) continue;
             if (error) {
-                std::int64_t action = (*shortcut)[keys::Action].longLongValue().value_or(0);
+                std::int64_t action = (*shortcut)[keys::Action].toInt64().value_or(0);
                 const std::string* name = (*group)[keys::Name].string();
                 *error = LocalizedFormat(groupMessage(action), {combination->text(), name ? *name : std::string()});
             }
@@ -114,7 +114,7 @@ void KVKeyCombinationValidator::initializeHotKeys() {
         if (!record) continue;
         std::optional<std::uint16_t> stored = storedVirtualKeyCode(*record);
         if (!stored || *stored < kOlderFormBase) continue;
-        auto character = static_cast<std::uint8_t>((*record)[keys::Character].longLongValue().value_or(0));
+        auto character = static_cast<std::uint8_t>((*record)[keys::Character].toInt64().value_or(0));
         // One byte is one character only below 0x80; other bytes are not UTF-8 on their own.
         std::optional<std::uint16_t> code;
         if (character != 0 && character < 0x80)

@@ -6,7 +6,7 @@
 #include "pane/ControllerLocation.h"
 #include "platform/ApplicationBundle.h"
 #include "prefs/Backup.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -148,7 +148,7 @@ ImportReport ControllerManager::importFromBackup(const plist::Dictionary& settin
         [&] { return report.wasRunning = isControllerRunning(); },
         [&] {
             report.quit = _quitController();
-            report.markedImportDate = settings[keys::TurnOnCorvalis].boolValue().value_or(false);
+            report.markedImportDate = settings[keys::TurnOnCorvalis].toBool().value_or(false);
         },
     };
     importSettings(_prefs, settings, hooks, now());

@@ -4,10 +4,10 @@
 
 #include <cmath>
 
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

@@ -349,7 +349,7 @@ private:
         if (object.key) return emitText(*object.key);
         const Value& value = *object.value;
         switch (value.type()) {
-        case Type::Boolean: out_.push_back(*value.toBool() ? 0x09 : 0x08); return;
+        case Type::Boolean: out_.push_back(*value.boolean() ? 0x09 : 0x08); return;
         case Type::Integer: {
             const Integer& i = *value.integer();
             if (i.isSigned() && i.toInt64() < 0) {

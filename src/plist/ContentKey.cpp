@@ -52,7 +52,7 @@ template <typename Sink>
 bool put(Sink& sink, const Value& value) {
     switch (value.type()) {
     case Type::Absent: return true;  // never written, so not part of the contents
-    case Type::Boolean: return sink.put(*value.toBool() ? "T" : "F", 1);
+    case Type::Boolean: return sink.put(*value.boolean() ? "T" : "F", 1);
     // Files keep an integer's bits, not the C width it was made with.
     case Type::Integer: return putTagged(sink, value.integer()->isSigned() ? 'i' : 'u', value.integer()->bits);
     case Type::Real: return putTagged(sink, 'r', value.real()->value);

@@ -387,7 +387,7 @@ private:
         char number[64];
         switch (value.type()) {
         case Type::Boolean:
-            out_.append(depth, '\t').append(*value.toBool() ? "<true/>\n" : "<false/>\n");
+            out_.append(depth, '\t').append(*value.boolean() ? "<true/>\n" : "<false/>\n");
             return;
         case Type::Integer: {
             const Integer& i = *value.integer();

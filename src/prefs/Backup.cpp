@@ -13,10 +13,10 @@
 #include "plist/PlistIO.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -115,7 +115,7 @@ std::string numberText(const Value& number) {
     if (const plist::Integer* integer = number.integer())
         return integer->isSigned() ? std::to_string(integer->toInt64()) : std::to_string(integer->toUInt64());
     std::ostringstream text;
-    text << number.doubleValue().value_or(0);
+    text << number.toDouble().value_or(0);
     return text.str();
 }
 
@@ -130,7 +130,7 @@ BackupContents checkBackup(std::span<const std::uint8_t> bytes) {
     // A version must be a number; booleans are not versions.
     const Value& version = (*root)[keys::Version];
     if (!version.isNumber() || version.type() == plist::Type::Boolean) return contents;
-    if (version.doubleValue() != static_cast<double>(kBackupFormatVersion)) {
+    if (version.toDouble() != static_cast<double>(kBackupFormatVersion)) {
         contents.check = BackupCheck::WrongVersion;
         contents.fileVersion = numberText(version);
         return contents;
@@ -189,7 +189,7 @@ void importSettings(CorvalisPreferences& prefs, const Dictionary& settings, cons
     if (hooks.isControllerRunning && hooks.isControllerRunning()) {
         if (hooks.quitController) hooks.quitController();
         // The controller reads this mark when it starts again with the imported settings.
-        if (copy[keys::TurnOnCorvalis].boolValue().value_or(false)) copy.set(keys::ImportFromBackupDate, now);
+        if (copy[keys::TurnOnCorvalis].toBool().value_or(false)) copy.set(keys::ImportFromBackupDate, now);
     }
     prefs.restoreDefaultsFromBackup(copy);
 }

@@ -8,7 +8,7 @@
 #include "fileutils/PathLimits.h"
 #include "prefs/DefaultValues.h"
 #include "prefs/NotificationNames.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -85,8 +85,8 @@ std::optional<Dictionary> CorvalisPreferences::storedDictionary(const char* key)
 }
 
 bool CorvalisPreferences::legacyBool(const char* key, bool fallback) const {
-    if (std::optional<bool> stored = simpleStringForKey(key).boolValue()) return *stored;
-    return defaultValues()[key].boolValue().value_or(fallback);
+    if (std::optional<bool> stored = simpleStringForKey(key).toBool()) return *stored;
+    return defaultValues()[key].toBool().value_or(fallback);
 }
 
 void CorvalisPreferences::removeKeys(std::initializer_list<const char*> keys) {
@@ -168,24 +168,24 @@ std::optional<std::string> CorvalisPreferences::stringForKey(const std::string& 
 // when the key has none) is stored with the getter's own type and answered.
 bool CorvalisPreferences::boolForKey(const std::string& key) {
     const Value& stored = working()[key];
-    if (stored.isNumber()) return *stored.boolValue();
-    bool result = defaultValues()[key].boolValue().value_or(false);
+    if (stored.isNumber()) return *stored.toBool();
+    bool result = defaultValues()[key].toBool().value_or(false);
     working().set(key, result);
     return result;
 }
 
 std::int32_t CorvalisPreferences::intForKey(const std::string& key) {
     const Value& stored = working()[key];
-    if (stored.isNumber()) return *stored.intValue();
-    std::int32_t result = defaultValues()[key].intValue().value_or(0);
+    if (stored.isNumber()) return *stored.toInt32();
+    std::int32_t result = defaultValues()[key].toInt32().value_or(0);
     working().set(key, Value::int32(result));
     return result;
 }
 
 float CorvalisPreferences::floatForKey(const std::string& key) {
     const Value& stored = working()[key];
-    if (stored.isNumber()) return *stored.floatValue();
-    float result = defaultValues()[key].floatValue().value_or(0.0f);
+    if (stored.isNumber()) return *stored.toFloat();
+    float result = defaultValues()[key].toFloat().value_or(0.0f);
     working().set(key, Value::real32(result));
     return result;
 }
@@ -229,7 +229,7 @@ std::optional<std::vector<std::string>> CorvalisPreferences::buttonColors() cons
 
 bool CorvalisPreferences::hideAddBOAsCommand() const {
     Value value = simpleStringForKey(keys::ShowAddBackgroundOnlyApplicationsCommand);
-    return !(value.isNumber() && value.boolValue().value_or(false));
+    return !(value.isNumber() && value.toBool().value_or(false));
 }
 
 std::string CorvalisPreferences::getOpenPanelPathForKey(const std::string& key) {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "prefs/DefaultPreviewSizes.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

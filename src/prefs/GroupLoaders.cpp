@@ -5,8 +5,8 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "text/Localization.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {
@@ -28,17 +28,17 @@ std::vector<Dictionary> applicationRecords(const Value& stored) {
 
 // The excluded applications form the group that cannot be deleted. A group
 // that does not say so explicitly is a user group.
-bool isExcludedGroup(const Dictionary& group) { return records::boolAt(group, keys::CanBeDeleted) == false; }
+bool isExcludedGroup(const Dictionary& group) { return group[keys::CanBeDeleted].toBool() == false; }
 
 // A valid "Action" is 0, 1 or 2; anything else disables the shortcut and keeps its key and command id.
 Dictionary repairedShortcut(const Dictionary& shortcut) {
-    std::optional<std::int64_t> action = records::longAt(shortcut, keys::Action);
+    std::optional<std::int64_t> action = shortcut[keys::Action].toInt64();
     if (!action || (*action >= 0 && *action <= 2)) return shortcut.deepCopy();
     Dictionary reset;
     if (shortcut[keys::VirtualKeyCode].isNumber())
         for (const char* key : {keys::Character, keys::VirtualKeyCode, keys::Modifiers})
             if (shortcut[key].isNumber()) reset.set(key, shortcut[key]);
-    if (const std::string* id = records::stringAt(shortcut, keys::CommandID)) reset.set(keys::CommandID, *id);
+    if (const std::string* id = shortcut[keys::CommandID].string()) reset.set(keys::CommandID, *id);
     reset.set(keys::Enabled, false);
     reset.set(keys::Action, Value::int32(0));
     return reset;
@@ -78,28 +78,28 @@ bool CorvalisPreferences::_loadGroups() {
             rebuilt.set(keys::Name, LocalizedString("ExcludedApplications"));
             if (applications.empty())
                 excludedInQuitMenu = false;
-            else if (std::optional<bool> show = records::boolAt(*group, keys::ShowInQuitMenu))
+            else if (std::optional<bool> show = (*group)[keys::ShowInQuitMenu].toBool())
                 excludedInQuitMenu = *show;
             else
                 excludedInQuitMenu = legacyBool(keys::AddExcludedApplications, false);
         } else {
-            const std::string* name = records::stringAt(*group, keys::Name);
+            const std::string* name = (*group)[keys::Name].string();
             rebuilt.set(keys::Name, name ? *name : LocalizedString("UntitledGroup"));
         }
         rebuilt.set(keys::Applications, records::arrayOf(applications));
         rebuilt.set(keys::CanBeDeleted, !excluded);
-        rebuilt.set(keys::AutoOpen, records::boolAt(*group, keys::AutoOpen).value_or(false));
-        rebuilt.set(keys::Hide, records::boolAt(*group, keys::Hide).value_or(false));
+        rebuilt.set(keys::AutoOpen, (*group)[keys::AutoOpen].toBool().value_or(false));
+        rebuilt.set(keys::Hide, (*group)[keys::Hide].toBool().value_or(false));
         if (!excluded) {
-            const std::string* icon = records::stringAt(*group, keys::Icon);
+            const std::string* icon = (*group)[keys::Icon].string();
             rebuilt.set(keys::Icon, icon ? *icon : "YellowFolder");
             if ((*group)[keys::IconData].data()) rebuilt.set(keys::IconData, (*group)[keys::IconData]);
             for (const char* key : {keys::ShowInOpenMenu, keys::ShowInQuitMenu, keys::ShowInSwitchMenu})
-                rebuilt.set(key, records::boolAt(*group, key).value_or(true));
+                rebuilt.set(key, (*group)[key].toBool().value_or(true));
             const Dictionary* shortcut = (*group)[keys::KeyboardShortcut].dictionary();
             Dictionary repaired = shortcut ? repairedShortcut(*shortcut) : Dictionary();
             // A shortcut without a command id cannot reach the controller: it gets a new id below.
-            if (!records::stringAt(repaired, keys::CommandID)) {
+            if (!repaired[keys::CommandID].string()) {
                 repaired.remove(keys::CommandID);
                 shortcutMissing = true;
             }
@@ -114,7 +114,7 @@ bool CorvalisPreferences::_loadGroups() {
         for (const Dictionary& group : result) {
             if (isExcludedGroup(group)) continue;
             const Dictionary* shortcut = group[keys::KeyboardShortcut].dictionary();
-            if (shortcut && records::stringAt(*shortcut, keys::CommandID)) continue;
+            if (shortcut && (*shortcut)[keys::CommandID].string()) continue;
             std::string id = NewUniqueCommandId(list);
             if (shortcut)
                 shortcut->set(keys::CommandID, id);

@@ -1,7 +1,7 @@
 #include "fileutils/PathResolution.h"
 #include "prefs/InvalidPaths.h"
 
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {
@@ -17,9 +17,9 @@ void collect(const Value& list, const std::string& owner, std::vector<InvalidPat
     if (!records) return;
     for (const Value& entry : *records) {
         const Dictionary* record = entry.dictionary();
-        const std::string* path = record ? records::stringAt(*record, keys::Path) : nullptr;
+        const std::string* path = record ? (*record)[keys::Path].string() : nullptr;
         if (!path || IsValid(*path)) continue;
-        const std::string* name = records::stringAt(*record, keys::Name);
+        const std::string* name = (*record)[keys::Name].string();
         into.push_back({*path, owner.empty() && name ? *name : owner});
     }
 }
@@ -38,8 +38,8 @@ std::vector<InvalidPathSection> invalidStoredPaths(const Dictionary& domain) {
             const Dictionary* group = entry.dictionary();
             if (!group) continue;
             // The excluded applications are edited, and counted, with the Quit menu.
-            bool excluded = (*group)[keys::CanBeDeleted].boolValue() == false;
-            const std::string* name = records::stringAt(*group, keys::Name);
+            bool excluded = (*group)[keys::CanBeDeleted].toBool() == false;
+            const std::string* name = (*group)[keys::Name].string();
             collect((*group)[keys::Applications], name ? *name : std::string(),
                     sections[excluded ? 3 : 0].paths);
         }

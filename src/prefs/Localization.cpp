@@ -1,4 +1,4 @@
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 #include <cctype>
 #include <cstdio>
@@ -6,7 +6,7 @@
 #include <map>
 #include <vector>
 
-#include "prefs/StringTables.h"
+#include "text/StringTables.h"
 
 namespace corvalis {
 

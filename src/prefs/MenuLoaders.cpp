@@ -9,7 +9,7 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/MenuItemKinds.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {
@@ -66,7 +66,7 @@ Array normalisedMenu(const Array& stored, Keep keep) {
     MenuBuilder menu;
     for (const Value& item : stored) {
         const Dictionary* record = item.dictionary();
-        const std::string* kind = record ? records::stringAt(*record, keys::Item) : nullptr;
+        const std::string* kind = record ? (*record)[keys::Item].string() : nullptr;
         if (!kind) continue;
         if (*kind == items::Separator) {
             menu.addSeparator();
@@ -160,8 +160,8 @@ bool CorvalisPreferences::_loadOpenMenuItems() {
             if (!accepts(kOpenKinds, kind) || (kind == items::DeveloperApplicationsFolder && !developer))
                 return std::nullopt;
             Dictionary kept = keptRecord(record);
-            const std::string* path = records::stringAt(kept, keys::Path);
-            if (path && !records::boolAt(kept, keys::NameIsCustom).value_or(false))
+            const std::string* path = kept[keys::Path].string();
+            if (path && !kept[keys::NameIsCustom].toBool().value_or(false))
                 kept.set(keys::Name, LocalizedFolderName(*path));
             return kept;
         });
@@ -181,10 +181,10 @@ bool CorvalisPreferences::_loadOpenMenuItems() {
         if (std::optional<Array> folders = storedArray(keys::Folders)) {
             for (const Value& entry : *folders) {
                 const Dictionary* folder = entry.dictionary();
-                const std::string* path = folder ? records::stringAt(*folder, keys::Path) : nullptr;
+                const std::string* path = folder ? (*folder)[keys::Path].string() : nullptr;
                 if (!path) continue;  // nothing to show without a folder
                 std::string localized = LocalizedFolderName(*path);
-                const std::string* name = records::stringAt(*folder, keys::Name);
+                const std::string* name = (*folder)[keys::Name].string();
                 Dictionary item{{keys::Item, items::Folder},
                                 {keys::Name, name ? *name : localized},
                                 {keys::Path, *path},
@@ -268,7 +268,7 @@ bool CorvalisPreferences::_loadSpecialMenuItems() {
         menu = normalisedMenu(*stored, [&](const std::string& kind, const Dictionary& record) -> std::optional<Dictionary> {
             if (!accepts(kSpecialKinds, kind) || (kind == items::Library && !library)) return std::nullopt;
             Dictionary kept = keptRecord(record);
-            if (const std::string* path = records::stringAt(kept, keys::Path))
+            if (const std::string* path = kept[keys::Path].string())
                 kept.set(keys::Name, LocalizedFolderName(*path));
             return kept;
         });

@@ -7,7 +7,7 @@
 #include "fileutils/KVVersionComparator.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {
@@ -31,7 +31,7 @@ constexpr std::int32_t kCopyPathCommands[] = {
 }  // namespace
 
 void CorvalisPreferences::_loadIncludeTerminatedAppsWhere() {
-    std::optional<std::int32_t> where = simpleStringForKey(keys::IncludeTerminatedApplicationsWhere).intValue();
+    std::optional<std::int32_t> where = simpleStringForKey(keys::IncludeTerminatedApplicationsWhere).toInt32();
     if (!where || (*where != 1 && *where != 2)) working().remove(keys::IncludeTerminatedApplicationsWhere);
 }
 
@@ -48,7 +48,7 @@ void CorvalisPreferences::_loadMarkAppMode() {
     if (!prefs[keys::MarkApplicationMode].isNumber()) {
         prefs.remove(keys::MarkApplicationMode);
         if (prefs[keys::Mark64BitApplications].isNumber())
-            prefs.set(keys::MarkApplicationMode, *prefs[keys::Mark64BitApplications].boolValue());
+            prefs.set(keys::MarkApplicationMode, *prefs[keys::Mark64BitApplications].toBool());
     }
     prefs.remove(keys::Mark64BitApplications);
     if (!prefs[keys::SwitchMenuMarkApplicationMode].isNumber())
@@ -97,7 +97,7 @@ bool CorvalisPreferences::_loadCheckForUpdates() {
                     keys::CheckForUpdatesSkipVersion});
     }
 
-    std::optional<std::int32_t> frequency = prefs[keys::CheckForUpdatesFrequency].intValue();
+    std::optional<std::int32_t> frequency = prefs[keys::CheckForUpdatesFrequency].toInt32();
     if (!frequency || (*frequency != 1 && *frequency != 7 && *frequency != 30))
         prefs.remove(keys::CheckForUpdatesFrequency);
 

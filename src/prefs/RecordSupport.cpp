@@ -9,7 +9,7 @@
 #include "fileutils/PathResolution.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/MenuItemKinds.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis::records {
 
@@ -17,16 +17,16 @@ using plist::Array;
 using plist::Dictionary;
 using plist::Value;
 
-const std::string* stringAt(const Dictionary& record, std::string_view key) { return record[key].string(); }
+const std::string* (const Dictionary& record)[std::string_view key].string() { return record[key].string(); }
 
-std::optional<bool> boolAt(const Dictionary& record, std::string_view key) { return record[key].boolValue(); }
+std::optional<bool> (const Dictionary& record)[std::string_view key].toBool() { return record[key].toBool(); }
 
-std::optional<std::int32_t> intAt(const Dictionary& record, std::string_view key) {
-    return record[key].intValue();
+std::optional<std::int32_t> (const Dictionary& record)[std::string_view key].toInt32() {
+    return record[key].toInt32();
 }
 
-std::optional<std::int64_t> longAt(const Dictionary& record, std::string_view key) {
-    return record[key].longLongValue();
+std::optional<std::int64_t> (const Dictionary& record)[std::string_view key].toInt64() {
+    return record[key].toInt64();
 }
 
 std::int32_t leadingIntValue(std::string_view text) {
@@ -72,7 +72,7 @@ Array MenuBuilder::finish() {
 std::optional<Dictionary> applicationRecord(const Value& stored) {
     const Dictionary* record = stored.dictionary();
     if (!record) return std::nullopt;
-    const std::string* path = stringAt(*record, keys::Path);
+    const std::string* path = (*record)[keys::Path].string();
     if (!path) return std::nullopt;
     Dictionary rebuilt{{keys::Name, LocalizedApplicationName(*path)}, {keys::Path, *path}};
     const Value& alias = (*record)[keys::AliasData];
@@ -85,7 +85,7 @@ void sortByName(std::vector<Dictionary>& records) {
     std::vector<std::pair<std::string, Dictionary>> keyed;
     keyed.reserve(records.size());
     for (Dictionary& record : records) {
-        const std::string* name = stringAt(record, keys::Name);
+        const std::string* name = record[keys::Name].string();
         keyed.emplace_back(FinderCollator::user().sortKey(name ? *name : std::string()), std::move(record));
     }
     std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });

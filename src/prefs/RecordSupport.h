@@ -15,10 +15,10 @@ namespace corvalis::records {
 
 // Typed reads of one record field; none when absent or of another type.
 // Booleans and integers are both numbers, as the controller reads them.
-const std::string* stringAt(const plist::Dictionary& record, std::string_view key);
-std::optional<bool> boolAt(const plist::Dictionary& record, std::string_view key);
-std::optional<std::int32_t> intAt(const plist::Dictionary& record, std::string_view key);
-std::optional<std::int64_t> longAt(const plist::Dictionary& record, std::string_view key);
+const std::string* (const plist::Dictionary& record)[std::string_view key].string();
+std::optional<bool> (const plist::Dictionary& record)[std::string_view key].toBool();
+std::optional<std::int32_t> (const plist::Dictionary& record)[std::string_view key].toInt32();
+std::optional<std::int64_t> (const plist::Dictionary& record)[std::string_view key].toInt64();
 
 // The integer at the start of a text, as the controller reads stored command
 // ids: leading blanks, an optional sign, digits; saturated to 32 bits; 0 when none.

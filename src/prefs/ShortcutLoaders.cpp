@@ -4,7 +4,7 @@
 
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "prefs/RecordSupport.h"
 
 namespace corvalis {
@@ -28,11 +28,11 @@ bool isUsableHotKey(const Value& value) {
 }
 
 std::uint16_t keyCodeOf(const Dictionary& record) {
-    return static_cast<std::uint16_t>(record[keys::VirtualKeyCode].longLongValue().value_or(0));
+    return static_cast<std::uint16_t>(record[keys::VirtualKeyCode].toInt64().value_or(0));
 }
 
 std::uint32_t modifiersOf(const Dictionary& record) {
-    return static_cast<std::uint32_t>(record[keys::Modifiers].longLongValue().value_or(0));
+    return static_cast<std::uint32_t>(record[keys::Modifiers].toInt64().value_or(0));
 }
 
 }  // namespace
@@ -55,7 +55,7 @@ void CorvalisPreferences::_loadHotKeys() {
     Array hotKeys = arrayForKey(keys::HotKeys)->deepCopy();
     for (std::size_t i = 0; i < hotKeys.size(); ++i) {
         const Dictionary& record = *hotKeys[i].dictionary();
-        std::optional<std::int32_t> position = records::intAt(record, keys::Position);
+        std::optional<std::int32_t> position = record[keys::Position].toInt32();
         if (position && *position >= 0 && *position <= 5) continue;
         hotKeys.set(i, Dictionary{{keys::Character, record[keys::Character]},
                                   {keys::Modifiers, record[keys::Modifiers]},

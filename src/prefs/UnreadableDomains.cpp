@@ -1,6 +1,6 @@
 #include "prefs/UnreadableDomains.h"
 
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 namespace corvalis {
 

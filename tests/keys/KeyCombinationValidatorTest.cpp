@@ -2,7 +2,7 @@
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/KeyStrings.h"
 #include "keys/KeysFixture.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
 
 using namespace corvalis;

@@ -6,7 +6,7 @@
 #include "keys/KVKeyCombination.h"
 #include "keys/KeyStrings.h"
 #include "keys/KeysFixture.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 using namespace corvalis;
 using test::ScopedLayout;

@@ -3,7 +3,7 @@
 #include "keys/KVKeyCombination.h"
 #include "keys/KeysFixture.h"
 #include "plist/PlistIO.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;
@@ -24,7 +24,7 @@ std::string summary(const test::TempDir& dir, const std::string& layout, bool xS
 std::int64_t storedQuitMenuKeyCode(const test::TempDir& dir) {
     ParseResult stored = parse(test::readFile(dir / "com.kestrova.Corvalis.plist"));
     const Value& quit = (*(*stored.value.dictionary())[keys::HotKeys].array())[1];
-    return (*quit.dictionary())[keys::VirtualKeyCode].longLongValue().value_or(-1);
+    return (*quit.dictionary())[keys::VirtualKeyCode].toInt64().value_or(-1);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/IntegrationSupport.h"
 
 using namespace corvalis;

@@ -8,7 +8,7 @@
 
 #include "platform/FileDomainStore.h"
 #include "platform/InProcessNotificationCenter.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;

@@ -259,7 +259,7 @@ TEST(FileDomainStore, ConcurrentWritersOfDifferentKeysNeverUndoEachOther) {
         ASSERT_EQ(::read(pipes[0], report, sizeof report), static_cast<ssize_t>(sizeof report));
         total += report[1];
         // Every writer's last value is in the final file.
-        if (final["Writer" + std::to_string(report[0])].longLongValue() != report[1]) ++lost;
+        if (final["Writer" + std::to_string(report[0])].toInt64() != report[1]) ++lost;
     }
     ::close(pipes[0]);
     ::close(pipes[1]);

@@ -22,7 +22,7 @@ TEST(Value, ContainersAreSharedHandlesAndDeepCopyDetaches) {
 
 TEST(Value, WrongTypeAccessAnswersAbsentAndNeverThrows) {
     Value text("7");
-    EXPECT_FALSE(text.toBool() || text.intValue() || text.dictionary());  // no conversion of text
+    EXPECT_FALSE(text.boolean() || text.toInt32() || text.dictionary());  // no conversion of text
     Dictionary dict;
     EXPECT_TRUE(dict["missing"].isAbsent());
     EXPECT_TRUE(Array()[5].isAbsent());
@@ -40,16 +40,16 @@ TEST(Value, IntegersKeepWidthAndCompareByValue) {
     // -1 and the largest unsigned value share their bits but are different numbers.
     EXPECT_NE(Value::int64(-1), Value::uint64(UINT64_MAX));
     EXPECT_NE(Value(true), Value::int32(1));
-    EXPECT_EQ(Value::int32(-3).doubleValue(), -3.0);
-    EXPECT_EQ(Value::uint32(4000000000u).doubleValue(), 4e9);
+    EXPECT_EQ(Value::int32(-3).toDouble(), -3.0);
+    EXPECT_EQ(Value::uint32(4000000000u).toDouble(), 4e9);
 }
 
 TEST(Value, NumberConversionsFollowCRules) {
-    EXPECT_EQ(Value::real64(2.9).intValue(), 2);
-    EXPECT_EQ(Value::real64(1e300).longLongValue(), INT64_MAX);  // saturates instead of undefined behaviour
-    EXPECT_EQ(Value::int64(0x100000001LL).intValue(), 1);          // truncates like a C cast
-    EXPECT_EQ(Value(true).floatValue(), 1.0f);
-    EXPECT_EQ(Value::real32(0.0f).boolValue(), false);
+    EXPECT_EQ(Value::real64(2.9).toInt32(), 2);
+    EXPECT_EQ(Value::real64(1e300).toInt64(), INT64_MAX);  // saturates instead of undefined behaviour
+    EXPECT_EQ(Value::int64(0x100000001LL).toInt32(), 1);          // truncates like a C cast
+    EXPECT_EQ(Value(true).toFloat(), 1.0f);
+    EXPECT_EQ(Value::real32(0.0f).toBool(), false);
 }
 
 TEST(Value, DictionaryKeepsInsertionOrderAndFindsKeysPastTheIndexThreshold) {

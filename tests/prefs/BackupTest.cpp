@@ -6,7 +6,7 @@
 #include "prefs/Backup.h"
 #include "prefs/DefaultValues.h"
 #include "support/PrefsFixture.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/PaneVersion.h"
 #include "support/TestSupport.h"
 

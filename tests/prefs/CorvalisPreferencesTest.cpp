@@ -8,7 +8,7 @@
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/DefaultValues.h"
 #include "prefs/NotificationNames.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;
@@ -61,7 +61,7 @@ TEST_F(StoreTest, LoadKeepsStoredValuesAndDropsObsoleteKeys) {
                      {"SomethingNewer", "kept"}});
     prefs.loadPreferences();
     Dictionary saved = onDisk();
-    EXPECT_EQ(saved[keys::ShowIcons].toBool(), false);
+    EXPECT_EQ(saved[keys::ShowIcons].boolean(), false);
     EXPECT_EQ(*saved["SomethingNewer"].string(), "kept");
     EXPECT_FALSE(saved.contains("IsTrustedChecked") || saved.contains("ClassicApplicationsFolderDepth"));
     // An existing domain is not filled with defaults until they are read.
@@ -96,14 +96,14 @@ TEST_F(StoreTest, ChangeNotificationsPostThenSave) {
     EXPECT_EQ(sent.name, "CorvalisPaneChangedPrefs");
     EXPECT_EQ(sent.object, "com.kestrova.Corvalis");
     EXPECT_EQ(sent.userInfo, (Dictionary{{keys::ShowIcons, false}}));
-    EXPECT_EQ(onDisk()[keys::ShowIcons].toBool(), false);
+    EXPECT_EQ(onDisk()[keys::ShowIcons].boolean(), false);
 
     // Two keys in one notification, the index as the 32-bit number the controller reads.
     bus.clearPosted();
     prefs.synchronizeIncludeTerminatedApps(true, 2);
     ASSERT_EQ(bus.posted().size(), 1u);
     Dictionary include = *bus.posted()[0].userInfo;
-    EXPECT_EQ(include[keys::IncludeTerminatedApplications].toBool(), true);
+    EXPECT_EQ(include[keys::IncludeTerminatedApplications].boolean(), true);
     EXPECT_EQ(include[keys::IncludeTerminatedApplicationsWhere].integer()->width, IntWidth::Int32);
 
     // An index beyond the four menus neither posts nor saves.

@@ -3,7 +3,7 @@
 #include "platform/MainScreen.h"
 #include "prefs/DefaultPreviewSizes.h"
 #include "prefs/DefaultValues.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
@@ -24,7 +24,7 @@ TEST(DefaultValues, BuiltOnceWhateverTheScreenDoesLater) {
     EXPECT_EQ(second, snapshot);
     // The preview sizes are the screen's row of a table; 1920 starts a row of its own.
     EXPECT_TRUE(first[keys::ArtworkMaxSize].real()->is32Bit);
-    EXPECT_EQ(first[keys::ArtworkMaxSize].doubleValue(), 240);
+    EXPECT_EQ(first[keys::ArtworkMaxSize].toDouble(), 240);
     EXPECT_EQ(artworkSizeForScreenWidth(1919), 200);
 }
 

@@ -5,7 +5,7 @@
 #include <regex>
 #include <sstream>
 
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 
 using namespace corvalis;
 

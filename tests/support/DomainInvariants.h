@@ -5,7 +5,7 @@
 #include <string>
 
 #include "plist/Value.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis::test {
 
@@ -55,7 +55,7 @@ inline std::string loadedDomainViolation(const plist::Dictionary& domain) {
     if (!hotKeys || hotKeys->size() != 4) return "HotKeys is not an array of four";
     for (const plist::Value& hotKey : *hotKeys) {
         const plist::Dictionary* record = hotKey.dictionary();
-        std::optional<std::int32_t> position = record ? (*record)[keys::Position].intValue() : std::nullopt;
+        std::optional<std::int32_t> position = record ? (*record)[keys::Position].toInt32() : std::nullopt;
         if (!position || *position < 0 || *position > 5) return "a hot key has no position from 0 to 5";
         for (const char* part : {keys::Character, keys::Modifiers, keys::VirtualKeyCode})
             if (!(*record)[part].isNumber()) return std::string("a hot key lacks its ") + part;
@@ -66,9 +66,9 @@ inline std::string loadedDomainViolation(const plist::Dictionary& domain) {
     for (const plist::Value& group : *groups) {
         const plist::Dictionary* record = group.dictionary();
         if (!record || !(*record)[keys::Name].string() || !(*record)[keys::Applications].array() ||
-            !(*record)[keys::CanBeDeleted].toBool())
+            !(*record)[keys::CanBeDeleted].boolean())
             return "a group record is incomplete";
-        if (!*(*record)[keys::CanBeDeleted].toBool()) ++excluded;
+        if (!*(*record)[keys::CanBeDeleted].boolean()) ++excluded;
         for (const plist::Value& application : *(*record)[keys::Applications].array())
             if (!application.dictionary() || !(*application.dictionary())[keys::Path].string())
                 return "an application record has no path";

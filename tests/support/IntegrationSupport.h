@@ -62,7 +62,7 @@ inline plist::Array controllerRecord(const std::filesystem::path& file) {
 // Ends every test controller that the record says was started.
 inline void killRecordedControllers(const std::filesystem::path& record) {
     for (const plist::Value& event : controllerRecord(record))
-        if (auto pid = (*event.dictionary())["Pid"].longLongValue()) ::kill(static_cast<pid_t>(*pid), SIGKILL);
+        if (auto pid = (*event.dictionary())["Pid"].toInt64()) ::kill(static_cast<pid_t>(*pid), SIGKILL);
 }
 
 #ifdef CORVALIS_TEST_CONTROLLER

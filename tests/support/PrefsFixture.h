@@ -5,7 +5,7 @@
 
 #include "platform/InProcessNotificationCenter.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/MemoryDomainStore.h"
 
 namespace corvalis::test {

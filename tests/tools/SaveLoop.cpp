@@ -56,7 +56,7 @@ long stateOf(const fs::path& file) {
     plist::ParseResult parsed = plist::parse(std::string_view(bytes));
     const plist::Dictionary* domain = parsed.value.dictionary();
     if (!domain) return -1;
-    std::optional<std::int64_t> counter = (*domain)["Counter"].longLongValue();
+    std::optional<std::int64_t> counter = (*domain)["Counter"].toInt64();
     if (!counter) return 0;  // the first load's save, before any counter
     const plist::Array* payload = (*domain)["Payload"].array();
     if (!payload || payload->size() != kPayload) return -1;

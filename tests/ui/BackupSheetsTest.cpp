@@ -12,7 +12,7 @@
 #include "platform/InProcessNotificationCenter.h"
 #include "plist/PlistIO.h"
 #include "prefs/Backup.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "support/TestSupport.h"
 
 using namespace corvalis;
@@ -105,7 +105,7 @@ TEST_F(BackupSheetsTest, BackUpSavesFirstWritesAReadableFileAndReportsAFailedWri
     EXPECT_TRUE(panelName.startsWith("Corvalis - ") && panelName.endsWith(".cvbu") && !panelName.contains('/'));
     BackupContents written = readBackupFile(desktop / "mine.cvbu");
     ASSERT_EQ(written.check, BackupCheck::Valid);
-    EXPECT_EQ(written.settings[keys::CheckForUpdatesFrequency].longLongValue(), 30);
+    EXPECT_EQ(written.settings[keys::CheckForUpdatesFrequency].toInt64(), 30);
     EXPECT_EQ(alert(), nullptr);
 
     answer = QString::fromStdString((tmp / "gone" / "b.cvbu").string());
@@ -157,7 +157,7 @@ TEST_F(BackupSheetsTest, ConfirmedImportReplacesSettingsRestartsTheControllerAnd
     press("Replace Settings");
     EXPECT_EQ(calls, QStringList({"reload", "report"}));
     const Dictionary now = prefs.loadFromDefaults();
-    EXPECT_EQ(now[keys::CheckForUpdatesFrequency].longLongValue(), 30);
+    EXPECT_EQ(now[keys::CheckForUpdatesFrequency].toInt64(), 30);
     EXPECT_EQ(now["TestAdjustment"], Value("dropped"));
     EXPECT_TRUE(now.contains(keys::ImportFromBackupDate));  // it ran, and is to run again
     EXPECT_TRUE(fake.quits == 1 && fake.launches == 1);  // the rest of the restart is the manager's own test

@@ -9,7 +9,7 @@
 #include "controls/KVSwitchControl.h"
 #include "pane/ui/CorvalisPane.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 #include "pane/ControllerManager.h"
 #include "support/IntegrationSupport.h"
 

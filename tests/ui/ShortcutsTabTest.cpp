@@ -12,7 +12,7 @@
 #include "keys/KeysFixture.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
 #include "keys/ui/ShortcutsTab.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
 
 using namespace corvalis;

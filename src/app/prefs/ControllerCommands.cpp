@@ -6,8 +6,8 @@
 #include "pane/ControllerManager.h"
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "text/Localization.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis::cli {
 
@@ -106,7 +106,7 @@ int status(Context& context) {
     if (wrongArgumentCount(context, 0, "status")) return Usage;
     Session session(context);
     // Reads the stored settings as they are: looking must not rewrite them.
-    bool on = session.prefs.loadFromDefaults()[keys::TurnOnCorvalis].boolValue().value_or(false);
+    bool on = session.prefs.loadFromDefaults()[keys::TurnOnCorvalis].toBool().value_or(false);
     LinuxProcesses processes(controllerPath());
     XdgAutostartLoginItems loginItems;
     CommandLineSwitch view(on);

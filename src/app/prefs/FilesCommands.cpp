@@ -10,7 +10,7 @@
 #include "fileutils/ApplicationEnumeration.h"
 #include "fileutils/ExecutableArchitectures.h"
 #include "fileutils/NameOrder.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis::cli {
 

@@ -10,8 +10,8 @@
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "platform/linux/XkbKeyboardLayout.h"
-#include "prefs/Localization.h"
-#include "prefs/PreferenceKeys.h"
+#include "text/Localization.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis::cli {
 
@@ -69,7 +69,7 @@ void printGroups(CorvalisPreferences& prefs, std::ostream& out) {
         std::size_t members = (*group)[keys::Applications].array() ? (*group)[keys::Applications].array()->size() : 0;
         out << "  " << textOr((*group)[keys::Name], "(no name)") << ": " << members
             << (members == 1 ? " application" : " applications");
-        if ((*group)[keys::CanBeDeleted].toBool() == false) out << " (excluded from the menus)";
+        if ((*group)[keys::CanBeDeleted].boolean() == false) out << " (excluded from the menus)";
         if (std::optional<KVKeyCombination> combination = KVKeyCombination::fromValue((*group)[keys::KeyboardShortcut]))
             out << ", shortcut " << combination->text();
         out << "\n";
@@ -96,7 +96,7 @@ void printCommandShortcuts(CorvalisPreferences& prefs, std::ostream& out) {
         const Value& record = shortcuts ? (*shortcuts)[std::to_string(command.id)] : Value();
         std::optional<KVKeyCombination> combination = KVKeyCombination::fromValue(record);
         if (!combination) continue;
-        bool enabled = record.dictionary() && (*record.dictionary())[keys::Enabled].boolValue().value_or(false);
+        bool enabled = record.dictionary() && (*record.dictionary())[keys::Enabled].toBool().value_or(false);
         out << "  " << combination->text() << "  " << LocalizedString(command.nameKey)
             << (enabled ? "" : " (disabled)") << "\n";
         ++shown;

@@ -12,7 +12,7 @@
 #include "app/prefs/Session.h"
 #include "prefs/Backup.h"
 #include "prefs/InvalidPaths.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
 #include "prefs/UnreadableDomains.h"
 
@@ -28,9 +28,9 @@ namespace {
 std::string describe(const Value& value) {
     std::ostringstream text;
     switch (value.type()) {
-    case plist::Type::Boolean: return *value.toBool() ? "true" : "false";
+    case plist::Type::Boolean: return *value.boolean() ? "true" : "false";
     case plist::Type::Integer:
-    case plist::Type::Real: text << *value.doubleValue(); return text.str();
+    case plist::Type::Real: text << *value.toDouble(); return text.str();
     case plist::Type::String: return "\"" + *value.string() + "\"";
     case plist::Type::Data: return std::to_string(value.data()->size()) + " bytes of data";
     case plist::Type::Date: text << "date " << value.date()->seconds; return text.str();

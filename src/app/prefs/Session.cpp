@@ -4,7 +4,7 @@
 
 #include "platform/MainScreen.h"
 #include "platform/linux/X11Screen.h"
-#include "prefs/Localization.h"
+#include "text/Localization.h"
 #include "prefs/NotificationNames.h"
 #include "prefs/UnreadableDomains.h"
 

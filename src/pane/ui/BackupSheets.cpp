@@ -18,7 +18,7 @@
 #include "pane/ui/ControllerAlerts.h"
 #include "prefs/Backup.h"
 #include "prefs/CorvalisPreferences.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 

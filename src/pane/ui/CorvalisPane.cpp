@@ -33,7 +33,7 @@
 #include "platform/linux/XdgAutostartLoginItems.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/PaneVersion.h"
-#include "prefs/PreferenceKeys.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
