@@ -9,12 +9,15 @@
 
 namespace corvalis {
 
-// A domain file that could not be read and was moved out of the way.
+// A domain file that could not be read: moved out of the way, or left where it
+// is (no setAsidePath) and then never written over.
 struct SetAsideDomain {
     std::string domain;
     std::string originalPath;
     std::string setAsidePath;
     std::string reason;
+    // It could not be opened (permissions, not a regular file): nothing says its contents are damaged.
+    bool notOpened = false;
 };
 
 class DomainStore {

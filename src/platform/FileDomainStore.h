@@ -3,8 +3,6 @@
 // binary through a temporary file and a rename, so a reader (or a process
 // killed mid-save) only ever sees the old or the new state.
 
-#include <sys/types.h>
-
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -35,32 +33,31 @@ public:
     const std::string& lastWriteError() const { return lastWriteError_; }
 
 private:
-    // Pending state of a domain: serialized bytes to write, or none to remove the file.
-    std::map<std::string, std::optional<std::vector<std::uint8_t>>> pending_;
+    // What a domain's file is to become at the next synchronize. Only what this
+    // process changed is applied to the file as it is then, under the domain's lock,
+    // so writers of other keys (the window, the tool, the controller) are not undone.
+    struct Pending {
+        bool removeFile = false;          // removed and not set again: the file goes
+        plist::Dictionary domain;         // this process's whole domain, as last set
+        std::set<std::string> changed;    // keys set to a new value since the last read or write
+        std::set<std::string> removed;    // keys removed since then
+    };
+    std::map<std::string, Pending> pending_;
+    // Each key's contents (plist::contentKey) as this process last read or set the domain.
+    std::map<std::string, std::map<std::string, std::string, std::less<>>> base_;
     std::filesystem::path folder_;
     std::vector<SetAsideDomain> setAside_;
     std::set<std::string> unmovable_;  // unreadable files that stayed in place: never written over
-    std::set<std::string> swept_;      // domains whose abandoned temporary files were looked for
     std::string lastWriteError_;
 
-    // Which file a domain was read from: the same inode, size and modification time mean the same contents.
-    struct FileStamp {
-        dev_t device = 0;
-        ino_t inode = 0;
-        off_t size = 0;
-        std::int64_t modifiedNs = 0;
-        bool operator==(const FileStamp&) const = default;
-    };
-    static std::optional<FileStamp> stampOf(const std::filesystem::path& path);
-    // What each domain file held when it was read, while it still holds it: setting a
-    // domain to exactly that writes nothing (loading ends with a save that seldom changes anything).
-    struct ReadContents {
-        std::string contentKey;
-        FileStamp stamp;
-    };
-    std::map<std::string, ReadContents> read_;
-
     void setAside(const std::string& name, const std::filesystem::path& path, const std::string& reason);
+    // The domain's file, read and parsed; none when missing or unreadable (then set aside or refused).
+    struct Loaded {
+        std::optional<plist::Dictionary> domain;
+        bool refused = false;  // could not be opened or read: nothing may be written over it
+    };
+    Loaded load(const std::string& name, const std::filesystem::path& path);
+    std::string write(const std::string& name, Pending& pending);
 };
 
 // Domain files larger than this are not read (and are set aside as unreadable).

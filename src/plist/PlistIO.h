@@ -1,5 +1,5 @@
 #pragma once
-// Reading and writing XML and binary property lists (through libplist).
+// Reading and writing XML and binary property lists (our own readers and writers).
 // Bad input never crashes: every failure comes back as an error text.
 
 #include <cstddef>
@@ -14,7 +14,7 @@ namespace corvalis::plist {
 
 enum class Format { Xml, Binary };
 
-// Inputs beyond these bounds are refused before libplist sees them.
+// Inputs beyond these bounds are refused.
 inline constexpr std::size_t kMaxInputBytes = 256u * 1024 * 1024;
 inline constexpr int kMaxNestingDepth = 128;
 
@@ -37,8 +37,8 @@ struct WriteResult {
 ParseResult parse(std::span<const std::uint8_t> bytes);
 ParseResult parse(std::string_view text);
 
-// Fails only for values no property list can hold (nesting beyond the bound,
-// an unsigned 64-bit integer above the signed range).
+// Fails only for values no property list can hold (nesting beyond the bound, a
+// date that is not a number; in XML also a date outside the years 1 to 9999).
 WriteResult serialize(const Value& value, Format format);
 
 // The XML form as text; "" when the value cannot be written.

@@ -141,27 +141,37 @@ BackupContents checkBackup(std::span<const std::uint8_t> bytes) {
 }
 
 BackupContents readBackupFile(const std::filesystem::path& path) {
-    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return {};
+    BackupContents failed;
+    // Non-blocking, so that a FIFO or a device is refused instead of waited on.
+    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (fd < 0) {
+        failed.readError = std::strerror(errno);
+        return failed;
+    }
     struct stat info {};
     std::vector<std::uint8_t> bytes;
-    bool readable = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) &&
-                    static_cast<std::uintmax_t>(info.st_size) <= kMaxBackupFileBytes;
-    if (readable) {
+    if (::fstat(fd, &info) != 0)
+        failed.readError = std::strerror(errno);
+    else if (!S_ISREG(info.st_mode))
+        failed.readError = "not a regular file";
+    else if (static_cast<std::uintmax_t>(info.st_size) > kMaxBackupFileBytes)
+        failed.readError = "larger than " + std::to_string(kMaxBackupFileBytes / (1024 * 1024)) + " MB";
+    if (failed.readError.empty()) {
         // Read at most one byte beyond the limit: a file that grew meanwhile is still refused.
         bytes.resize(static_cast<std::size_t>(info.st_size) + 1);
         std::size_t done = 0;
         while (done < bytes.size()) {
             ssize_t n = ::read(fd, bytes.data() + done, bytes.size() - done);
             if (n < 0 && errno == EINTR) continue;
+            if (n < 0) failed.readError = std::strerror(errno);
             if (n <= 0) break;
             done += static_cast<std::size_t>(n);
         }
         bytes.resize(done);
-        readable = done <= kMaxBackupFileBytes;
+        if (done > kMaxBackupFileBytes) failed.readError = "larger than " + std::to_string(kMaxBackupFileBytes / (1024 * 1024)) + " MB";
     }
     ::close(fd);
-    if (!readable) return {};
+    if (!failed.readError.empty()) return failed;
     return checkBackup(bytes);
 }
 

@@ -33,6 +33,7 @@ struct BackupContents {
     BackupCheck check = BackupCheck::Invalid;
     plist::Dictionary settings;  // when Valid
     std::string fileVersion;     // the file's "Version" as text, when WrongVersion
+    std::string readError;       // why the file itself could not be read ("" when it was)
 };
 
 // The backup of `settings` as the bytes of its file.

@@ -59,6 +59,19 @@ printf 'this is not a property list' > "$work/corrupt/com.kestrova.Corvalis.plis
 "$tool" --domain-dir "$work/corrupt" show > /dev/null 2> "$work/corrupt.err"
 check "an unreadable domain is reported" grep -q 'was kept as' "$work/corrupt.err"
 check "and kept aside unchanged" grep -qx 'this is not a property list' "$work"/corrupt/com.kestrova.Corvalis.plist.unreadable-*
+printf 'still not a property list' > "$work/corrupt/com.kestrova.Corvalis.plist"
+"$tool" --domain-dir "$work/corrupt" normalize --dry-run > /dev/null 2> "$work/dry.err"
+check "a dry run says what it would keep aside, not what it kept" grep -q 'without --dry-run it would be kept aside' "$work/dry.err"
+check "and changes nothing" test "$(ls "$work/corrupt" | wc -l)" = 2
+
+# Files that cannot be opened are no damage: exit 1, nothing moved or written, and no hang on a FIFO.
+for kind in fifo folder; do
+  mkdir -p "$work/$kind"
+  if [ $kind = fifo ]; then mkfifo "$work/$kind/com.kestrova.Corvalis.plist"; else mkdir "$work/$kind/com.kestrova.Corvalis.plist"; fi
+  check "a $kind as the domain exits 1" test "$(status_of timeout 20 "$tool" --domain-dir "$work/$kind" set ShowIcons no)" = 1
+  check "and is left alone" test "$(ls -A "$work/$kind")" = com.kestrova.Corvalis.plist
+done
+check "a FIFO as the backup file is refused with exit 3" test "$(status_of timeout 20 "$tool" --domain-dir "$work/fresh" restore "$work/fifo/com.kestrova.Corvalis.plist")" = 3
 
 CORVALIS_SYSTEM_VERSION=10.11 "$tool" --domain-dir "$work/old" show > /dev/null
 check "before 10.12 StatusItemPosition is kept" grep -q StatusItemPosition <(plistutil -i "$work/old/com.kestrova.Corvalis.plist" -f xml)

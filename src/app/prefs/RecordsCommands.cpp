@@ -12,8 +12,9 @@
 #include "app/prefs/Session.h"
 #include "prefs/Backup.h"
 #include "prefs/InvalidPaths.h"
-#include "prefs/NotificationNames.h"
 #include "text/Localization.h"
+#include "prefs/NotificationNames.h"
+#include "prefs/UnreadableDomains.h"
 
 namespace corvalis::cli {
 
@@ -74,15 +75,24 @@ int normalize(Context& context) {
         }
         scratch = pattern;
         fs::path domainFile = FileDomainStore(context.domainDir).pathForDomain(notifications::Domain);
-        std::error_code ignored;
-        if (fs::exists(domainFile)) fs::copy_file(domainFile, scratch / domainFile.filename(), ignored);
+        std::error_code ec;
+        // Only a regular file is copied: opening a FIFO to copy it would wait forever.
+        if (fs::exists(fs::symlink_status(domainFile)) &&
+            (!fs::is_regular_file(domainFile) || !fs::copy_file(domainFile, scratch / domainFile.filename(), ec))) {
+            context.err << "corvalis-prefs normalize: "
+                        << LocalizedFormat("UnreadableSettingsNotOpened",
+                                           {domainFile.string(), ec ? ec.message() : "not a regular file"})
+                        << "\n";
+            fs::remove_all(scratch, ec);
+            return Failure;
+        }
         target.domainDir = scratch;
     }
     int status = Success;
     {
         Session session(target);
         Dictionary before = session.domains.persistentDomainForName(notifications::Domain).value_or(Dictionary());
-        if (!session.load(context)) status = Failure;
+        if (!session.load(context, dryRun)) status = Failure;
         printChanges(before, session.prefs.prefsData(), context.out);
         if (dryRun) context.out << "(dry run: nothing was saved)\n";
     }
@@ -114,13 +124,14 @@ int restore(Context& context) {
     BackupContents contents = readBackupFile(file);
     if (contents.check != BackupCheck::Valid) {
         context.err << "corvalis-prefs restore: " << LocalizedString("ImportFromBackup") << ": "
-                    << backupErrorText(contents, file.filename().string()) << "\n";
+                    << backupErrorText(contents, file.filename().string())
+                    << (contents.readError.empty() ? "" : " (" + contents.readError + ")") << "\n";
         return UnreadableInput;
     }
     Session session(context);
     bool controllerFollowed = importSettingsWithController(context, session, contents.settings);
     for (const SetAsideDomain& aside : session.prefs.takeSetAsideDomains())
-        context.err << "corvalis-prefs restore: the unreadable " << aside.originalPath << " was replaced\n";
+        context.err << "corvalis-prefs restore: " << unreadableDomainText(aside) << "\n";
     if (!session.reportWriteError(context)) return Failure;
     context.out << LocalizedString("SettingsReplaced1") << "\n";
     return controllerFollowed ? Success : Failure;

@@ -16,8 +16,9 @@ struct Session {
     explicit Session(const Context& context);
 
     // Loads (normalises and writes back), telling of unreadable files; false
-    // with a message when the domain could not be written.
-    bool load(Context& context);
+    // with a message when the domain could not be read or written. A dry run
+    // loads a scratch copy of the folder and tells what a real run would do.
+    bool load(Context& context, bool dryRun = false);
     // False with a message when the last save failed.
     bool reportWriteError(Context& context);
 };

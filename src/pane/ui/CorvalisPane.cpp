@@ -27,6 +27,7 @@
 #include "pane/SystemKeyboardLayout.h"
 #include "pane/ui/BackupSheets.h"
 #include "pane/ui/ControllerAlerts.h"
+#include "pane/ui/UnreadableDomainsAlert.h"
 #include "pane/ui/SoftwareUpdateSheet.h"
 #include "platform/FileDomainStore.h"
 #include "platform/linux/DBusNotificationCenter.h"
@@ -171,6 +172,7 @@ void ComKestrovaCorvalis_PrefsPane::switchToggled(bool) {
 
 void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
     firstUse_ = prefs_->loadPreferences();
+    tellOfUnreadableDomains(window_, *prefs_);
     onOffSwitch_->setControlSize(KVSwitchControl::ControlSize::Small);
     setSwitchState(prefs_->boolForKey(keys::TurnOnCorvalis));
 
