@@ -18,7 +18,4 @@ std::string readBinary(std::span<const std::uint8_t> bytes, int maxDepth, Value&
 // The bytes of `value` as a binary property list; empty with `error` set on failure.
 std::vector<std::uint8_t> writeBinary(const Value& value, int maxDepth, std::string& error);
 
-// Whether `text` is valid UTF-8 (no surrogates, nothing above U+10FFFF, shortest forms).
-bool isValidUtf8(std::string_view text);
-
 }  // namespace corvalis::plist::detail

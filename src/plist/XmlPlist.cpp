@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "plist/BinaryPlist.h"
+#include "plist/Utf8.h"
 
 namespace corvalis::plist::detail {
 
@@ -163,7 +163,7 @@ private:
                     if (ec != std::errc() || end != digits.data() + digits.size() || digits.empty() || code == 0 ||
                         code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
                         return false;
-                    appendCode(out, code);
+                    appendUtf8(out, code);
                 } else {
                     return false;
                 }
@@ -181,24 +181,6 @@ private:
         if (std::memchr(out.data(), 0, out.size())) return error("text with a NUL character"), false;
         if (!isValidUtf8(out)) return error("text that is not valid UTF-8"), false;
         return true;
-    }
-
-    static void appendCode(std::string& out, std::uint32_t code) {
-        if (code < 0x80) {
-            out += static_cast<char>(code);
-        } else if (code < 0x800) {
-            out += static_cast<char>(0xC0 | (code >> 6));
-            out += static_cast<char>(0x80 | (code & 0x3F));
-        } else if (code < 0x10000) {
-            out += static_cast<char>(0xE0 | (code >> 12));
-            out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (code & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (code >> 18));
-            out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (code & 0x3F));
-        }
     }
 
     // The text of a scalar element whose start tag was read: "" for <x/>.
