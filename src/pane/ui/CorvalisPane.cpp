@@ -1,5 +1,7 @@
 #include "pane/ui/CorvalisPane.h"
 
+#include "pane/ApplicationsBrowserLink.h"
+
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDialog>
@@ -30,6 +32,9 @@
 #include "pane/ui/UnreadableDomainsAlert.h"
 #include "pane/ui/SoftwareUpdateSheet.h"
 #include "platform/FileDomainStore.h"
+#include "platform/InProcessNotificationCenter.h"
+#include "platform/Workspace.h"
+#include "platform/linux/LinuxRunningApplications.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/XdgAutostartLoginItems.h"
@@ -59,6 +64,8 @@ ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QO
     : QObject(parent), window_(window) {
     domains_ = std::make_unique<FileDomainStore>(FileDomainStore::defaultFolder());
     distributed_ = std::make_unique<DBusNotificationCenter>();
+    local_ = std::make_unique<InProcessNotificationCenter>();
+    running_ = std::make_unique<LinuxRunningApplications>(Workspace::shared());
     prefs_ = std::make_unique<CorvalisPreferences>(*domains_, *distributed_);
     processes_ = std::make_unique<LinuxProcesses>(controllerPath());
     loginItems_ = std::make_unique<XdgAutostartLoginItems>();
@@ -147,6 +154,10 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     return view;
 }
 
+NotificationCenter& ComKestrovaCorvalis_PrefsPane::distributedNotifications() { return *distributed_; }
+
+RunningApplications& ComKestrovaCorvalis_PrefsPane::runningApplications() { return *running_; }
+
 QWidget* ComKestrovaCorvalis_PrefsPane::page(const char* tab) const {
     for (int i = 0; tabs_ && i < tabs_->count(); ++i)
         if (tabs_->widget(i)->objectName() == QLatin1String(tab)) return tabs_->widget(i);
@@ -217,7 +228,9 @@ QDialog* ComKestrovaCorvalis_PrefsPane::attachedSheet() const {
 }
 
 PreferencePane::UnselectReply ComKestrovaCorvalis_PrefsPane::shouldUnselect() {
-    return attachedSheet() ? UnselectReply::Cancel : UnselectReply::Now;
+    if (attachedSheet()) return UnselectReply::Cancel;
+    if (applicationsBrowser_) applicationsBrowser_->closeBrowser();
+    return UnselectReply::Now;
 }
 
 void ComKestrovaCorvalis_PrefsPane::willUnselect() { observingWindow_ = false; }
@@ -238,6 +251,7 @@ void ComKestrovaCorvalis_PrefsPane::tabChanged(int index) {
     std::string showing = tabIdentifier(index);
     _paneControllers.selectionWillChange(shownTab_, showing);
     shownTab_ = showing;
+    if (applicationsBrowser_) applicationsBrowser_->synchronizeDragApplicationsInfoWithPane(showing);
 }
 
 void ComKestrovaCorvalis_PrefsPane::showSwitchState() {
@@ -277,6 +291,7 @@ void ComKestrovaCorvalis_PrefsPane::collectReport(QString& report) {
     std::string lines;
     _paneControllers.updatePanes(lines);
     report += QString::fromStdString(lines);
+    if (applicationsBrowser_) applicationsBrowser_->updateBrowser();
 }
 
 void ComKestrovaCorvalis_PrefsPane::onHelp() {
@@ -366,6 +381,7 @@ QStringList ComKestrovaCorvalis_PrefsPane::screenshotViews() const {
     QStringList views;
     for (int i = 0; i < tabs_->count(); ++i) views << "tab-" + tabs_->widget(i)->objectName();
     views << "sheet-welcome" << "sheet-about" << "sheet-software-update" << "panel-back-up";
+    for (const auto& view : extraScreenshotViews_) views << view.first;
     return views;
 }
 
@@ -383,8 +399,16 @@ bool ComKestrovaCorvalis_PrefsPane::showScreenshotView(const QString& name) {
     else if (name == "sheet-about") onAbout();
     else if (name == "sheet-software-update") onSoftwareUpdate();
     else if (name == "panel-back-up") onBackUpSettings();
-    else return false;
+    else {
+        for (const auto& view : extraScreenshotViews_)
+            if (view.first == name) return view.second();
+        return false;
+    }
     return true;
+}
+
+void ComKestrovaCorvalis_PrefsPane::addScreenshotView(const QString& name, std::function<bool()> show) {
+    extraScreenshotViews_.emplace_back(name, std::move(show));
 }
 
 }  // namespace corvalis

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -19,11 +20,16 @@ class QMenu;
 
 namespace corvalis {
 
+class ApplicationsBrowserLink;
 class BackupSheets;
 class ControllerManager;
 class CorvalisPreferences;
 class DBusNotificationCenter;
 class FileDomainStore;
+class InProcessNotificationCenter;
+class LinuxRunningApplications;
+class NotificationCenter;
+class RunningApplications;
 class KVKeyCombinationValidator;
 class KVSwitchControl;
 class LinuxProcesses;
@@ -55,6 +61,13 @@ public:
     BackupSheets& backupSheets() { return *backup_; }
     SoftwareUpdateSheet& softwareUpdate() { return *updates_; }
     QTabWidget* tabs() const { return tabs_; }
+    QWidget* window() const { return window_; }
+    // To and from the controller over the session bus.
+    NotificationCenter& distributedNotifications();
+    // Between the tabs, editors and the browser inside this pane.
+    InProcessNotificationCenter& localNotifications() { return *local_; }
+    RunningApplications& runningApplications();
+    KVKeyCombinationValidator& keyCombinationValidator() { return *keyCombinationValidator_; }
     KVSwitchControl* onOffSwitch() const { return onOffSwitch_; }
     QLabel* switchLabel() const { return switchLabel_; }
     // Moves the switch to what the settings say, without turning the controller on or off.
@@ -64,6 +77,12 @@ public:
     // The pane drives the tab's controller from now on (and owns it).
     void addTabController(const char* tab, std::unique_ptr<PaneController> controller);
     PaneControllers& paneControllers() { return _paneControllers; }
+    // The browser beside the window; null until one is set. The pane does not own it.
+    ApplicationsBrowserLink* applicationsBrowser() const { return applicationsBrowser_; }
+    void setApplicationsBrowser(ApplicationsBrowserLink* browser) { applicationsBrowser_ = browser; }
+    // A view for --screenshot beyond the tabs: showing it opens a sheet or window and
+    // answers whether it could.
+    void addScreenshotView(const QString& name, std::function<bool()> show);
     // The sheet shown over the window, if any.
     QDialog* attachedSheet() const;
 
@@ -107,6 +126,8 @@ private:
 
     std::unique_ptr<FileDomainStore> domains_;
     std::unique_ptr<DBusNotificationCenter> distributed_;
+    std::unique_ptr<InProcessNotificationCenter> local_;
+    std::unique_ptr<LinuxRunningApplications> running_;
     std::unique_ptr<CorvalisPreferences> prefs_;
     std::unique_ptr<LinuxProcesses> processes_;
     std::unique_ptr<XdgAutostartLoginItems> loginItems_;
@@ -118,6 +139,8 @@ private:
     std::vector<std::unique_ptr<PaneController>> tabControllers_;
     PaneControllers _paneControllers;
     std::string shownTab_;
+    ApplicationsBrowserLink* applicationsBrowser_ = nullptr;
+    std::vector<std::pair<QString, std::function<bool()>>> extraScreenshotViews_;
     bool _closeCorvalis = false;
     // Between didSelect and willUnselect the tabs hear of the window becoming active.
     bool observingWindow_ = false;
