@@ -1,0 +1,53 @@
+// The applications browser's Applications-folder source (walk, sort, duplicates
+// removed) beside the walk alone, over the same generated tree.
+// Usage: corvalis-bench-browser TREE [benchmark options]
+
+#include <iostream>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+#include "fileutils/ApplicationEnumeration.h"
+#include "fileutils/browser/BrowserSources.h"
+
+namespace {
+
+using namespace corvalis;
+
+std::string gTree;
+
+void WalkAlone(benchmark::State& state) {
+    for (auto _ : state) {
+        plist::Array applications;
+        InsertApplicationsFromFolder(gTree, 0, applications);
+        benchmark::DoNotOptimize(applications.size());
+    }
+}
+
+void BrowserFolderSource(benchmark::State& state) {
+    std::size_t listed = 0;
+    for (auto _ : state) {
+        plist::Array applications = WalkFolderSource(gTree, 0);
+        listed = applications.size();
+    }
+    state.counters["applications"] = static_cast<double>(listed);
+}
+
+}  // namespace
+
+BENCHMARK(WalkAlone)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BrowserFolderSource)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+int main(int argc, char** argv) {
+    if (argc < 2 || argv[1][0] == '-') {
+        std::cerr << "usage: corvalis-bench-browser TREE [benchmark options]\n";
+        return 2;
+    }
+    gTree = argv[1];
+    argv[1] = argv[0];
+    int rest = argc - 1;
+    benchmark::Initialize(&rest, argv + 1);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
