@@ -10,6 +10,7 @@
 #include <QSet>
 #include <QTest>
 
+#include "pane/ApplicationsBrowserLink.h"
 #include "pane/ui/CorvalisPane.h"
 #include "support/IntegrationSupport.h"
 
@@ -84,6 +85,7 @@ TEST(Accessibility, EveryControlOfEveryTabAndSheetIsNamedAndReachedFromTheKeyboa
     for (const QString& view : pane.screenshotViews()) {
         SCOPED_TRACE(view.toStdString());
         ASSERT_TRUE(pane.showScreenshotView(view));
+        if (view.startsWith("window-browser")) continue;  // a window of its own, checked below
         QTest::qWait(50);
         QWidget* shown = pane.attachedSheet() ? static_cast<QWidget*>(pane.attachedSheet()) : &window;
         // Qt's own file dialog is Qt's to name.

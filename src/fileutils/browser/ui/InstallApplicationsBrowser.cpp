@@ -42,12 +42,17 @@ void installApplicationsBrowser(ComKestrovaCorvalis_PrefsPane& pane) {
     QPointer<ApplicationsBrowserWindow> browser = owner->window();
     pane.setApplicationsBrowser(browser);
     pane.addTabController(kBrowserOwner, std::move(owner));
-    auto screenshot = [browser](int tag) {
-        return [browser, tag] {
+    // One timer for both views: the second showing restarts it.
+    auto* hideAfterScreenshot = new QTimer(browser);
+    hideAfterScreenshot->setSingleShot(true);
+    hideAfterScreenshot->setInterval(kScreenshotShownMs);
+    QObject::connect(hideAfterScreenshot, &QTimer::timeout, browser, &QWidget::hide);
+    auto screenshot = [browser, hideAfterScreenshot](int tag) {
+        return [browser, hideAfterScreenshot, tag] {
             if (!browser) return false;
             browser->showApplicationsBrowser();
             browser->controller().onShowWhat(tag, false);
-            QTimer::singleShot(kScreenshotShownMs, browser, &QWidget::hide);
+            hideAfterScreenshot->start();
             return true;
         };
     };
