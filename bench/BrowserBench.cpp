@@ -2,10 +2,9 @@
 // removed) beside the walk alone, over the same generated tree.
 // Usage: corvalis-bench-browser TREE [benchmark options]
 
-#include <iostream>
 #include <string>
 
-#include <benchmark/benchmark.h>
+#include "TreeBenchMain.h"
 
 #include "fileutils/ApplicationEnumeration.h"
 #include "fileutils/browser/BrowserSources.h"
@@ -38,16 +37,4 @@ void BrowserFolderSource(benchmark::State& state) {
 BENCHMARK(WalkAlone)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BrowserFolderSource)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
-int main(int argc, char** argv) {
-    if (argc < 2 || argv[1][0] == '-') {
-        std::cerr << "usage: corvalis-bench-browser TREE [benchmark options]\n";
-        return 2;
-    }
-    gTree = argv[1];
-    argv[1] = argv[0];
-    int rest = argc - 1;
-    benchmark::Initialize(&rest, argv + 1);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+int main(int argc, char** argv) { return runTreeBenchmarks(argc, argv, "corvalis-bench-browser", gTree); }

@@ -282,3 +282,49 @@ TEST_F(Browser, RowsAreDraggedAsFilesInRowOrderAndShowPathsInInfoMode) {
     browser->onDoubleClick(1, false);
     EXPECT_EQ(view.calls.back(), "reveal " + b.string());
 }
+
+TEST_F(Browser, RecentApplicationsAreTheFirstThatStillExist) {
+    fs::path first = test::makeApp(disk.path(), "First"), second = test::makeApp(disk.path(), "Second");
+    auto recent = [](const fs::path& path) { return Dictionary{{keys::Name, "stale"}, {keys::Path, path.string()}}; };
+    make(Dictionary{{keys::RecentApplications, Array{recent(disk / "Gone.app"), recent(second), Value("junk"), recent(first)}},
+                    {keys::RecentApplicationsMaxNum, Value::int32(1)}});
+    show(RecentApplicationsTag);
+    EXPECT_EQ(names(), (std::vector<std::string>{"Second"}));
+
+    prefs.setInt(2, keys::RecentApplicationsMaxNum);
+    local.post({notifications::RecentItemsChanged, "", std::nullopt});
+    EXPECT_EQ(names(), (std::vector<std::string>{"First", "Second"}));
+}
+
+TEST_F(Browser, TheShownFolderIsFollowedThroughTheMenuEditorsChanges) {
+    test::makeApp(disk / "A", "InA");
+    test::makeApp(disk / "B", "InB");
+    make(Dictionary{{keys::OpenMenuItems, Array{folder(disk / "A"), folder(disk / "B")}}});
+    show(OpenMenuFolderTag + 1);
+    ASSERT_EQ(names(), (std::vector<std::string>{"InB"}));
+
+    // A row inserted above: the folder keeps its list under its new tag.
+    openMenu().insert(0, kind(items::Groups));
+    local.post({notifications::OpenMenuItemsAddedOrRearranged, "", std::nullopt});
+    EXPECT_EQ(browser->shownTag(), OpenMenuFolderTag + 2);
+    EXPECT_EQ(view.selectedTag, OpenMenuFolderTag + 2);
+    EXPECT_EQ(names(), (std::vector<std::string>{"InB"}));
+
+    // A user info of the wrong types changes nothing by itself.
+    local.post({notifications::OpenMenuItemChanged, "", Dictionary{{changes::Index, "2"}}});
+    EXPECT_EQ(browser->shownTag(), OpenMenuFolderTag + 2);
+
+    // The shown folder re-pointed: its row lists the new folder.
+    test::makeApp(disk / "C", "InC");
+    openMenu().set(2, folder(disk / "C"));
+    local.post({notifications::OpenMenuItemChanged, "", Dictionary{{changes::Index, Value::int32(2)}}});
+    settle();
+    EXPECT_EQ(names(), (std::vector<std::string>{"InC"}));
+
+    // Removed: back to the Applications folder.
+    openMenu().removeAt(2);
+    local.post({notifications::OpenMenuItemsRemoved, "", Dictionary{{changes::Paths, Array{}}, {changes::Index, Value::int32(-1)}}});
+    settle();
+    EXPECT_EQ(browser->shownTag(), ApplicationsFolderTag);
+    EXPECT_EQ(tagsOf(view.sources), (std::vector<int>{0, 3, 4, 5, -1, 1001}));
+}
