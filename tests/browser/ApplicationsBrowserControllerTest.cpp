@@ -1,4 +1,5 @@
 #include <QMimeData>
+#include <QThreadPool>
 #include <QUrl>
 
 #include "browser/BrowserFixture.h"
@@ -259,6 +260,13 @@ TEST_F(Browser, AWalkResultThatArrivesAfterTheSourceChangedIsDropped) {
     EXPECT_EQ(names(), (std::vector<std::string>{"Walked"}));
     show(ApplicationsFolderTag, true);
     EXPECT_EQ(names(), (std::vector<std::string>{"Added", "Walked"}));
+
+    // The browser goes while a walk runs: the walk's result goes nowhere.
+    browser->onShowWhat(ApplicationsFolderTag, true);
+    tester.reset();
+    browser.reset();
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(30000));
+    QCoreApplication::processEvents();
 }
 
 TEST_F(Browser, RowsAreDraggedAsFilesInRowOrderAndShowPathsInInfoMode) {

@@ -1,10 +1,12 @@
 #include "fileutils/browser/ApplicationsBrowserController.h"
 
 #include <QMimeData>
+#include <QThreadPool>
 #include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
+#include <mutex>
 #include <set>
 
 #include "fileutils/NameOrder.h"
@@ -34,6 +36,13 @@ std::string pathOfEntry(const plist::Value& entry) { return entry[keys::Path].st
 
 }  // namespace
 
+// Where a walk delivers its result: the controller while it lives. A walk that
+// ends after the controller went delivers nothing, so closing never waits for one.
+struct WalkMailbox {
+    std::mutex mutex;
+    ApplicationsBrowserController* owner = nullptr;
+};
+
 BrowserEnvironment BrowserEnvironment::system() {
     return {[]() -> std::optional<std::string> {
                 std::string folder;
@@ -55,9 +64,9 @@ ApplicationsBrowserController::ApplicationsBrowserController(CorvalisPreferences
       _domains(domains),
       _view(view),
       _environment(std::move(environment)),
-      _workspace(workspace) {
-    // One walk at a time: a newer one makes the older stale anyway.
-    _walks.setMaxThreadCount(1);
+      _workspace(workspace),
+      _mailbox(std::make_shared<WalkMailbox>()) {
+    _mailbox->owner = this;
     auto openMenuChanged = [this](const Notification& notification) { onOpenMenuChanged(notification); };
     for (const char* name : {notifications::OpenMenuItemsAddedOrRearranged, notifications::OpenMenuItemChanged,
                              notifications::OpenMenuItemsRemoved})
@@ -67,8 +76,10 @@ ApplicationsBrowserController::ApplicationsBrowserController(CorvalisPreferences
 }
 
 ApplicationsBrowserController::~ApplicationsBrowserController() {
-    ++_generation;
-    _walks.waitForDone();
+    {
+        std::lock_guard lock(_mailbox->mutex);
+        _mailbox->owner = nullptr;
+    }
     for (NotificationCenter::Token token : _observers) _local.removeObserver(token);
     if (_runningObserver) _running.removeObserver(*_runningObserver);
 }
@@ -113,6 +124,8 @@ std::optional<int> ApplicationsBrowserController::storedDepth(int tag) {
 bool ApplicationsBrowserController::isCached(int tag) {
     return _cache.contains(sourceKey(tag));
 }
+
+bool ApplicationsBrowserController::waitForWalks(int ms) { return QThreadPool::globalInstance()->waitForDone(ms); }
 
 std::string ApplicationsBrowserController::pathAt(int row) const {
     return pathOfEntry(plist::Value(_entries)[row]);
@@ -413,11 +426,14 @@ void ApplicationsBrowserController::_loadApplications() {
 void ApplicationsBrowserController::startWalk(const std::string& key, const std::string& folder, int depth) {
     unsigned generation = ++_generation;
     setLoading(true);
-    _walks.start([this, generation, key, folder, depth] {
+    QThreadPool::globalInstance()->start([mailbox = _mailbox, generation, key, folder, depth] {
         plist::Array found = WalkFolderSource(folder, depth);
         // Back on the main thread, which alone touches the cache and the model.
-        QMetaObject::invokeMethod(
-            this, [this, generation, key, found] { walkFinished(generation, key, found); }, Qt::QueuedConnection);
+        std::lock_guard lock(mailbox->mutex);
+        if (ApplicationsBrowserController* owner = mailbox->owner)
+            QMetaObject::invokeMethod(
+                owner, [owner, generation, key, found] { owner->walkFinished(generation, key, found); },
+                Qt::QueuedConnection);
     });
 }
 

@@ -7,10 +7,9 @@
 // files. The store and the model are touched on the main thread only.
 
 #include <QAbstractListModel>
-#include <QThreadPool>
-
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -24,6 +23,7 @@
 namespace corvalis {
 
 class CorvalisPreferences;
+struct WalkMailbox;
 
 // Source tags of the pop-up; an Open menu folder at row i has kOpenMenuFolderTag + i.
 namespace browser {
@@ -89,8 +89,8 @@ public:
     bool isCached(int tag);
     const std::vector<BrowserSource>& sources() const { return _sources; }
     std::string pathAt(int row) const;
-    // Waits for a walk under way; true when none is left. Its result still arrives through the event loop.
-    bool waitForWalks(int ms) { return _walks.waitForDone(ms); }
+    // Waits for the walks under way; true when none is left. Their results still arrive through the event loop.
+    bool waitForWalks(int ms);
 
     // The model.
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -149,7 +149,7 @@ private:
     unsigned _generation = 0;  // a walk whose number is not the latest is stale
     std::vector<NotificationCenter::Token> _observers;
     std::optional<RunningApplications::Token> _runningObserver;
-    QThreadPool _walks;
+    std::shared_ptr<WalkMailbox> _mailbox;
 };
 
 }  // namespace corvalis
