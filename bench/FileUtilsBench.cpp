@@ -11,12 +11,13 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <iostream>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
+
+#include "TreeBenchMain.h"
 
 #include "fileutils/ApplicationEnumeration.h"
 #include "fileutils/NameOrder.h"
@@ -125,16 +126,4 @@ BENCHMARK(FindReference)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(SortNamesFinderCompare)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(SortNamesIcuStrcoll)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
-int main(int argc, char** argv) {
-    if (argc < 2 || argv[1][0] == '-') {
-        std::cerr << "usage: corvalis-bench-files TREE [benchmark options]\n";
-        return 2;
-    }
-    gTree = argv[1];
-    argv[1] = argv[0];
-    int rest = argc - 1;
-    benchmark::Initialize(&rest, argv + 1);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+int main(int argc, char** argv) { return runTreeBenchmarks(argc, argv, "corvalis-bench-files", gTree); }

@@ -50,4 +50,12 @@ inline constexpr const char* ChangeSpecialMenuHotKey = "ChangeSpecialMenuHotKey"
 inline constexpr const char* ChangeKeyboardShortcut = "ChangeKeyboardShortcut";
 inline constexpr const char* ChangeKeyboardShortcutEnabled = "ChangeKeyboardShortcutEnabled";
 
+// The applications browser's changes to the Open menu: the whole menu after a path
+// repair, and one folder's browser depth ({"Index": folder count, "BrowserDepth"}).
+inline constexpr const char* ChangeOpenMenuItems = "ChangeOpenMenuItems";
+inline constexpr const char* ChangeOpenMenuItemBrowserDepth = "ChangeOpenMenuItemBrowserDepth";
+// User-info keys of the Open menu editor's local notifications and of the depth changes.
+inline constexpr const char* Index = "Index";
+inline constexpr const char* Paths = "Paths";
+
 }  // namespace corvalis::changes

@@ -21,6 +21,7 @@
 #include "controls/KVSwitchControl.h"
 #include "controls/LocalizedText.h"
 #include "fileutils/KVOperatingSystem.h"
+#include "fileutils/browser/ui/InstallApplicationsBrowser.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/ShortcutsTab.h"
 #include "pane/PaneControllers.h"
@@ -147,6 +148,7 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
 
     addTabController(tabs::Shortcuts, std::make_unique<ShortcutsTab>(*prefs_, *distributed_, page(tabs::Shortcuts),
                                                                      window_, keyCombinationValidator_.get()));
+    installApplicationsBrowser(*this);
 
     // toggled, not clicked: a screen reader's toggle action and the keyboard change the state
     // without a click. The label follows every change, the pane's own ones included.
