@@ -1,0 +1,26 @@
+#pragma once
+// What the Menus tab asks of each editor on its Configure Menus sheet, beside
+// the pane's life cycle: told when the sheet opens and closes.
+
+#include <vector>
+
+#include "pane/EditorView.h"
+#include "pane/PaneController.h"
+
+namespace corvalis {
+
+class MenuEditor : public PaneController {
+public:
+    virtual void willBeginSheet() {}
+    virtual void didBeginSheet() {}
+    virtual void didEndSheet() {}
+};
+
+// The list of a menu editor as its logic sees it: an editor's view that also
+// says which rows the user selected.
+class MenuEditorView : public virtual EditorView {
+public:
+    virtual std::vector<int> selectedRows() const = 0;
+};
+
+}  // namespace corvalis
