@@ -116,8 +116,8 @@ void ConfigureOpenMenuController::willShowPane() { _updatePaths(true); }
 
 void ConfigureOpenMenuController::didBeginSheet() { _updatePaths(true); }
 
-void ConfigureOpenMenuController::windowDidBecomeMain(bool openTabShown) {
-    if (openTabShown) _updatePaths(true);
+void ConfigureOpenMenuController::sheetWindowDidBecomeMain(bool shownOnSheet) {
+    if (shownOnSheet) _updatePaths(true);
 }
 
 std::vector<std::string> ConfigureOpenMenuController::fixedKinds() const {

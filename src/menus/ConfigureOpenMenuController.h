@@ -27,8 +27,7 @@ public:
     void updatePane(std::string& report) override;
     void willShowPane() override;
     void didBeginSheet() override;
-    // The window became active; `openTabShown` when the sheet shows this editor.
-    void windowDidBecomeMain(bool openTabShown);
+    void sheetWindowDidBecomeMain(bool shownOnSheet) override;
 
     void onAddItem(const std::string& kind) override;
     void onChangeItem();

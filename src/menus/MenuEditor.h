@@ -14,6 +14,8 @@ public:
     virtual void willBeginSheet() {}
     virtual void didBeginSheet() {}
     virtual void didEndSheet() {}
+    // The window became active; `shownOnSheet` when the open sheet shows this editor.
+    virtual void sheetWindowDidBecomeMain(bool shownOnSheet) { (void)shownOnSheet; }
 };
 
 // The list of a menu editor as its logic sees it: an editor's view that also
