@@ -67,11 +67,11 @@ Dictionary newFolderRecord(const std::string& path) {
 
 ConfigureOpenMenuController::ConfigureOpenMenuController(CorvalisPreferences& prefs, NotificationCenter& local,
                                                          NotificationCenter& distributed,
-                                                         ApplicationsBrowserLink* browser, QObject* parent)
+                                                         BrowserLinkSource browser, QObject* parent)
     : MenuItemListModel(prefs, keys::OpenMenuItems, changes::ChangeOpenMenuItems, keys::ShowOpenMenuInfo, parent),
       _local(local),
       _distributed(distributed),
-      _browser(browser) {}
+      _browser(std::move(browser)) {}
 
 ConfigureOpenMenuController::~ConfigureOpenMenuController() {
     _distributed.removeObserver(_observers.empty() ? 0 : _observers[0]);
@@ -159,7 +159,7 @@ void ConfigureOpenMenuController::itemsRemoved(const Array& paths, int index) {
 }
 
 void ConfigureOpenMenuController::synchronizeBrowser(int index, bool isFolder, bool removeDuplicate) {
-    if (_browser) _browser->synchronizeOpenMenuItem(index, isFolder, removeDuplicate, true);
+    if (ApplicationsBrowserLink* link = browser()) link->synchronizeOpenMenuItem(index, isFolder, removeDuplicate, true);
 }
 
 int ConfigureOpenMenuController::rowWithPath(const std::string& path, int except) const {

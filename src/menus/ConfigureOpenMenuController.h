@@ -12,15 +12,13 @@
 
 namespace corvalis {
 
-class ApplicationsBrowserLink;
 
 class ConfigureOpenMenuController : public MenuItemListModel {
     Q_OBJECT
 
 public:
-    // `browser` may be null (no browser yet).
     ConfigureOpenMenuController(CorvalisPreferences& prefs, NotificationCenter& local, NotificationCenter& distributed,
-                                ApplicationsBrowserLink* browser, QObject* parent = nullptr);
+                                BrowserLinkSource browser, QObject* parent = nullptr);
     ~ConfigureOpenMenuController() override;
 
     void initializePane(bool firstTime) override;
@@ -74,7 +72,8 @@ private:
 
     NotificationCenter& _local;
     NotificationCenter& _distributed;
-    ApplicationsBrowserLink* _browser;
+    ApplicationsBrowserLink* browser() const { return _browser ? _browser() : nullptr; }
+    BrowserLinkSource _browser;
     std::map<std::string, std::string> _paths;
     std::map<std::string, std::string> _iconPaths;
     bool _showDeveloper = false;

@@ -2,12 +2,18 @@
 // What the Menus tab asks of each editor on its Configure Menus sheet, beside
 // the pane's life cycle: told when the sheet opens and closes.
 
+#include <functional>
 #include <vector>
 
 #include "pane/EditorView.h"
 #include "pane/PaneController.h"
 
 namespace corvalis {
+
+class ApplicationsBrowserLink;
+
+// The applications browser as it is now: null until the pane has one.
+using BrowserLinkSource = std::function<ApplicationsBrowserLink*()>;
 
 class MenuEditor : public PaneController {
 public:

@@ -23,12 +23,12 @@ void synchronizeOption(CorvalisPreferences& prefs, const char* key, bool on) {
 
 MenusController::MenusController(CorvalisPreferences& prefs, KVKeyCombinationValidator& validator,
                                  NotificationCenter& local, NotificationCenter& distributed,
-                                 ApplicationsBrowserLink* browser, MenusView& view)
+                                 BrowserLinkSource browser, MenusView& view)
     : HotKeyRecording(validator, distributed, view),
       _prefs(prefs),
       _validator(validator),
       _local(local),
-      _browser(browser),
+      _browser(std::move(browser)),
       _view(view),
       _previews(prefs) {}
 
@@ -160,7 +160,7 @@ void MenusController::onConfigureMenus() {
     _view.beginConfigureMenusSheet();
     _sheetShown = true;
     if (MenuEditor* shown = editor(_selectedTab)) shown->didBeginSheet();
-    if (_browser) _browser->synchronizeDragApplicationsInfoWithPane(_selectedTab);
+    if (ApplicationsBrowserLink* link = browser()) link->synchronizeDragApplicationsInfoWithPane(_selectedTab);
     if (!_universalAccessObserver)
         _universalAccessObserver = _local.addObserver(notifications::OpenUniversalAccess, "",
                                                       [this](const Notification&) { onOpenUniversalAccess(); });
@@ -172,7 +172,7 @@ void MenusController::tabWillSelect(const std::string& identifier) {
 }
 
 void MenusController::tabDidSelect(const std::string& identifier) {
-    if (_browser) _browser->synchronizeDragApplicationsInfoWithPane(identifier);
+    if (ApplicationsBrowserLink* link = browser()) link->synchronizeDragApplicationsInfoWithPane(identifier);
 }
 
 void MenusController::onCloseConfigureMenus(bool button) {
@@ -180,7 +180,7 @@ void MenusController::onCloseConfigureMenus(bool button) {
     if (_universalAccessObserver) _local.removeObserver(*_universalAccessObserver);
     _universalAccessObserver.reset();
     for (const std::string& identifier : _order) editor(identifier)->didEndSheet();
-    if (_browser) _browser->synchronizeDragApplicationsInfoWithPane(kMenusPane);
+    if (ApplicationsBrowserLink* link = browser()) link->synchronizeDragApplicationsInfoWithPane(kMenusPane);
     _sheetShown = false;
     _view.endConfigureMenusSheet(button ? 1 : 0);
 }

@@ -17,7 +17,6 @@
 
 namespace corvalis {
 
-class ApplicationsBrowserLink;
 class CorvalisPreferences;
 class KVKeyCombinationValidator;
 
@@ -40,7 +39,7 @@ public:
     static constexpr int kPositions = 6;
 
     MenusController(CorvalisPreferences& prefs, KVKeyCombinationValidator& validator, NotificationCenter& local,
-                    NotificationCenter& distributed, ApplicationsBrowserLink* browser, MenusView& view);
+                    NotificationCenter& distributed, BrowserLinkSource browser, MenusView& view);
     ~MenusController() override;
 
     // The sheet shows the editors in the order they were added.
@@ -91,7 +90,8 @@ private:
     CorvalisPreferences& _prefs;
     KVKeyCombinationValidator& _validator;
     NotificationCenter& _local;
-    ApplicationsBrowserLink* _browser;
+    ApplicationsBrowserLink* browser() const { return _browser ? _browser() : nullptr; }
+    BrowserLinkSource _browser;
     MenusView& _view;
     ConfigurePreviewsController _previews;
     std::vector<std::string> _order;

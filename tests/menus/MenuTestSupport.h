@@ -66,7 +66,7 @@ protected:
 
     void open(const plist::Array& items) {
         load(plist::Dictionary{{keys::OpenMenuItems, items}});
-        menu = std::make_unique<ConfigureOpenMenuController>(prefs, local, bus, &browser);
+        menu = std::make_unique<ConfigureOpenMenuController>(prefs, local, bus, [this] { return &browser; });
         tester = std::make_unique<QAbstractItemModelTester>(menu.get(),
                                                             QAbstractItemModelTester::FailureReportingMode::Fatal);
         menu->setView(&view);

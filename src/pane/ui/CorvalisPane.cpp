@@ -23,6 +23,7 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/ShortcutsTab.h"
+#include "menus/ui/MenusTab.h"
 #include "pane/PaneControllers.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
@@ -145,6 +146,7 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     // Key names follow the user's layout, read once here for every tab that shows keys.
     useSystemKeyboardLayout();
 
+    addTabController(tabs::Menus, MenusTab::make(*this));
     addTabController(tabs::Shortcuts, std::make_unique<ShortcutsTab>(*prefs_, *distributed_, page(tabs::Shortcuts),
                                                                      window_, keyCombinationValidator_.get()));
 
