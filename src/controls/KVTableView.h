@@ -8,13 +8,9 @@
 #include <QTreeView>
 #include <functional>
 
-namespace corvalis {
+#include "pane/ItemRoles.h"
 
-// Item data roles the pane's models answer beside Qt's own.
-enum KVItemRole {
-    SeparatorRole = Qt::UserRole + 100,  // bool: the row is a separator line
-    ErrorCodeRole,                       // int: the icon service's error code of the row's path
-};
+namespace corvalis {
 
 // Answers true when it selected a row for the typed text; false leaves Qt's own search.
 using TypeToSelect = std::function<bool(const QString& typed)>;

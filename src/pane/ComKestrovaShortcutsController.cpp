@@ -1,8 +1,6 @@
 #include "pane/ComKestrovaShortcutsController.h"
 
 #include "keys/KVKeyCombinationValidator.h"
-#include "keys/KeyStrings.h"
-#include "platform/NotificationCenter.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/NotificationNames.h"
 #include "schema/PreferenceKeys.h"
@@ -16,7 +14,7 @@ using plist::Value;
 ComKestrovaShortcutsController::ComKestrovaShortcutsController(CorvalisPreferences& prefs,
                                                                KVKeyCombinationValidator& validator,
                                                                NotificationCenter& distributed, ShortcutsView& view)
-    : _prefs(prefs), _validator(validator), _distributed(distributed), _view(view) {
+    : HotKeyRecording(validator, distributed, view), _prefs(prefs), _validator(validator), _view(view) {
     _validator.setLocalizedCommands(&_localizedCommands);
     _validator.setKeyboardShortcutsTable([this] { _view.reloadData(); });
 }
@@ -123,26 +121,6 @@ ShortcutTextColour ComKestrovaShortcutsController::keyCombinationTextColour(bool
                                                                             bool rowSelected) {
     if (rowEnabled || (windowIsKey && tableIsFirstResponder && rowSelected)) return ShortcutTextColour::ControlText;
     return ShortcutTextColour::LightGrey;
-}
-
-void ComKestrovaShortcutsController::keyCombinationWillBeginEditing() {
-    _distributed.post(Notification{notifications::SuspendHotKeys, notifications::PaneObject, std::nullopt});
-}
-
-void ComKestrovaShortcutsController::keyCombinationWillEndEditing() {
-    _distributed.post(Notification{notifications::ResumeHotKeys, notifications::PaneObject, std::nullopt});
-}
-
-bool ComKestrovaShortcutsController::validateKeyCombination(const std::optional<KVKeyCombination>& combination,
-                                                            std::string* error) {
-    return _validator.validateKeyCombination(combination, error);
-}
-
-void ComKestrovaShortcutsController::didFailToValidateKeyCombination(const std::string& error) {
-    _view.beep();
-    _view.ask(EditorAlert{EditorAlert::Style::Warning, error, LocalizedString(keystrings::ChooseAnotherCombination),
-                          {LocalizedString(keystrings::OK)}},
-              {});
 }
 
 }  // namespace corvalis

@@ -12,6 +12,7 @@
 #include "keys/KVKeyCombination.h"
 #include "keys/KVKeyCombinationRecorder.h"
 #include "pane/EditorView.h"
+#include "pane/HotKeyRecording.h"
 
 namespace corvalis {
 
@@ -28,14 +29,11 @@ public:
 
 enum class ShortcutTextColour { ControlText, LightGrey };
 
-class ComKestrovaShortcutsController : public KeyCombinationFieldDelegate {
+class ComKestrovaShortcutsController : public HotKeyRecording {
 public:
     ComKestrovaShortcutsController(CorvalisPreferences& prefs, KVKeyCombinationValidator& validator,
                                    NotificationCenter& distributed, ShortcutsView& view);
     ~ComKestrovaShortcutsController() override;
-
-    // The view that takes focus after recording (the table).
-    void setTable(Responder table) { _table = table; }
 
     // Builds the command list the first time; every time clears combinations
     // taken by hot keys, then shows the table from the top with nothing selected.
@@ -60,13 +58,6 @@ public:
     static ShortcutTextColour keyCombinationTextColour(bool rowEnabled, bool windowIsKey, bool tableIsFirstResponder,
                                                        bool rowSelected);
 
-    // The recording field's delegate.
-    void keyCombinationWillBeginEditing() override;
-    void keyCombinationWillEndEditing() override;
-    bool validateKeyCombination(const std::optional<KVKeyCombination>& combination, std::string* error) override;
-    void didFailToValidateKeyCombination(const std::string& error) override;
-    Responder nextFirstResponderForControl() override { return _table; }
-
     void _validateKeyboardShortcuts();
 
 private:
@@ -75,9 +66,7 @@ private:
 
     CorvalisPreferences& _prefs;
     KVKeyCombinationValidator& _validator;
-    NotificationCenter& _distributed;
     ShortcutsView& _view;
-    Responder _table = nullptr;
     std::vector<std::string> _commandIds;
     std::map<std::string, std::string> _localizedCommands;
 };

@@ -46,6 +46,10 @@ inline constexpr const char* ChangeQuitMenuHotKey = "ChangeQuitMenuHotKey";
 inline constexpr const char* ChangeSwitchMenuHotKey = "ChangeSwitchMenuHotKey";
 inline constexpr const char* ChangeSpecialMenuHotKey = "ChangeSpecialMenuHotKey";
 
+// User-info keys of the Open menu's changes: the whole menu from the pane, a folder's depth from the controller.
+inline constexpr const char* ChangeOpenMenuItems = "ChangeOpenMenuItems";
+inline constexpr const char* ChangeOpenMenuItemDepth = "ChangeOpenMenuItemDepth";
+
 // User-info keys of the command shortcut changes.
 inline constexpr const char* ChangeKeyboardShortcut = "ChangeKeyboardShortcut";
 inline constexpr const char* ChangeKeyboardShortcutEnabled = "ChangeKeyboardShortcutEnabled";

@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QInputMethod>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QVBoxLayout>
@@ -15,6 +14,7 @@
 #include "keys/KVKeyCombinationCenter.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
+#include "keys/ui/KeyCombinationTableKeys.h"
 
 namespace corvalis {
 
@@ -187,25 +187,7 @@ void ShortcutsTab::ask(const EditorAlert& alert, std::function<void(int button)>
 }
 
 bool ShortcutsTab::eventFilter(QObject* watched, QEvent* event) {
-    // Whichever cell is current, Space ticks the row and Return starts recording
-    // its combination (while recording, keys go to the editor instead).
-    if (event->type() == QEvent::KeyPress && watched == table_) {
-        auto* key = static_cast<QKeyEvent*>(event);
-        bool plain = (key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-        QModelIndex current = table_->currentIndex();
-        if (plain && current.isValid() && key->key() == Qt::Key_Space) {
-            QModelIndex box = current.siblingAtColumn(EnabledColumn);
-            model_->setData(box, model_->data(box, Qt::CheckStateRole).toInt() == Qt::Checked ? Qt::Unchecked : Qt::Checked,
-                            Qt::CheckStateRole);
-            return true;
-        }
-        if (plain && current.isValid() && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)) {
-            QModelIndex cell = current.siblingAtColumn(KeyCombinationColumn);
-            table_->setCurrentIndex(cell);
-            table_->edit(cell);
-            return true;
-        }
-    }
+    if (watched == table_ && handleKeyCombinationTableKey(table_, event, EnabledColumn, KeyCombinationColumn)) return true;
     return QObject::eventFilter(watched, event);
 }
 

@@ -24,6 +24,7 @@
 #include "fileutils/browser/ui/InstallApplicationsBrowser.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/ShortcutsTab.h"
+#include "menus/ui/MenusTab.h"
 #include "pane/PaneControllers.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
@@ -146,6 +147,7 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     // Key names follow the user's layout, read once here for every tab that shows keys.
     useSystemKeyboardLayout();
 
+    addTabController(tabs::Menus, MenusTab::make(*this));
     addTabController(tabs::Shortcuts, std::make_unique<ShortcutsTab>(*prefs_, *distributed_, page(tabs::Shortcuts),
                                                                      window_, keyCombinationValidator_.get()));
     installApplicationsBrowser(*this);

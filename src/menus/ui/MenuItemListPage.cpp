@@ -1,0 +1,142 @@
+#include "menus/ui/MenuItemListPage.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "controls/KVIconServices.h"
+#include "controls/KVServicesBar.h"
+#include "controls/KVTableView.h"
+#include "controls/LocalizedText.h"
+#include "menus/MenuItemListModel.h"
+#include "prefs/MenuItemKinds.h"
+
+namespace corvalis {
+
+namespace {
+constexpr int kEditDelayMs = 100;
+}  // namespace
+
+QVariant menuItemIcon(const std::string& path, const std::string& kind) {
+    if (!path.empty()) return KVIconServices::sharedIcons().iconForPath(QString::fromStdString(path), nullptr);
+    static const std::map<std::string, const char*> themeNames{
+        {items::Groups, "folder"},
+        {items::DockApplications, "user-desktop"},
+        {items::RecentApplications, "document-open-recent"},
+        {items::ApplicationsFolder, "folder"},
+        {items::DeveloperApplicationsFolder, "folder"},
+        {items::SystemPreferences, "preferences-system"},
+    };
+    auto found = themeNames.find(kind);
+    if (found == themeNames.end()) return {};
+    return QIcon::fromTheme(found->second);
+}
+
+MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tableName, QWidget* sheet, QWidget* parent)
+    : QWidget(parent), QtEditorView(sheet), model_(model) {
+    layout_ = new QVBoxLayout(this);
+    table_ = new KVTableView(this);
+    setItemView(table_);
+    table_->setModel(&model_);
+    table_->setAccessibleName(tableName);
+    table_->horizontalHeader()->hide();
+    table_->horizontalHeader()->setStretchLastSection(true);
+    table_->verticalHeader()->hide();
+    table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    table_->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
+    table_->setTabKeyNavigation(false);
+    table_->setWordWrap(false);
+    // Rows move by drag and drop inside the model; files come from a file manager.
+    table_->setDragDropMode(QAbstractItemView::DragDrop);
+    table_->setDefaultDropAction(Qt::MoveAction);
+    table_->setDragDropOverwriteMode(false);
+    table_->setDropIndicatorShown(true);
+    table_->installEventFilter(this);
+    layout_->addWidget(table_, 1);
+
+    bar_ = new KVServicesBar(this);
+    addMenu_ = new QMenu(bar_);
+    actionsMenu_ = new QMenu(bar_);
+    bar_->setAddMenu(addMenu_);
+    bar_->setActionMenu(actionsMenu_);
+    layout_->addWidget(bar_);
+    connect(addMenu_, &QMenu::aboutToShow, this, &MenuItemListPage::rebuildAddMenu);
+    connect(actionsMenu_, &QMenu::aboutToShow, this, &MenuItemListPage::rebuildActionsMenu);
+    connect(bar_->removeButton(), &QToolButton::clicked, this, [this] { model_.onRemoveItem(); });
+    // Remove is there while rows are selected.
+    connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MenuItemListPage::updateRemoveButton);
+    connect(&model_, &QAbstractItemModel::modelReset, this, &MenuItemListPage::updateRemoveButton);
+    connect(&model_, &QAbstractItemModel::rowsRemoved, this, &MenuItemListPage::updateRemoveButton);
+
+    model_.setView(this);
+    model_.setIconProvider(&menuItemIcon);
+    // The menus are built for the pull-downs at once, so the keyboard finds them too.
+    rebuildAddMenu();
+    rebuildActionsMenu();
+    updateRemoveButton();
+}
+
+MenuItemListPage::~MenuItemListPage() {
+    model_.setView(nullptr);
+    model_.setIconProvider({});
+    if (table_) table_->removeEventFilter(this);
+}
+
+std::vector<int> MenuItemListPage::selectedRows() const {
+    std::vector<int> rows;
+    if (!table_ || !table_->selectionModel()) return rows;
+    for (const QModelIndex& index : table_->selectionModel()->selectedRows()) rows.push_back(index.row());
+    return rows;
+}
+
+void MenuItemListPage::editName(const EditorRow& row) {
+    // Once the panel that asked for the row has gone and given the focus back.
+    QTimer::singleShot(kEditDelayMs, this, [this, row] {
+        if (!table_) return;
+        table_->window()->activateWindow();
+        table_->setFocus();
+        QtEditorView::editName(row);
+    });
+}
+
+void MenuItemListPage::rebuildAddMenu() {
+    addMenu_->clear();
+    for (const std::string& kind : model_.addMenuKinds()) {
+        QString title = localized(kind.c_str());
+        addMenu_->addAction(title, this, [this, kind] { model_.onAddItem(kind); });
+        if (kind == items::Folder) addMenu_->insertSeparator(addMenu_->actions().last());
+    }
+}
+
+void MenuItemListPage::rebuildActionsMenu() {
+    actionsMenu_->clear();
+    addActions(actionsMenu_);
+    actionsMenu_->addAction(localized(model_.showInfo() ? "HideInfoTags" : "ShowInfoTags"), this,
+                            [this] { model_.onShowInfo(); });
+    actionsMenu_->addSeparator();
+    actionsMenu_->addAction(localized("RestoreDefaultMenu"), this, [this] { model_.onRestoreDefaultMenu(); });
+}
+
+void MenuItemListPage::updateRemoveButton() { bar_->removeButton()->setEnabled(!selectedRows().empty()); }
+
+bool MenuItemListPage::eventFilter(QObject* watched, QEvent* event) {
+    // Keys that reach the table from a name being typed are the editor's.
+    if (watched == table_ && event->type() == QEvent::KeyPress && !table_->indexWidget(table_->currentIndex())) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Delete || key->key() == Qt::Key_Backspace) {
+            if (selectedRows().empty()) return false;
+            model_.onRemoveItem();
+            return true;
+        }
+        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && table_->currentIndex().isValid() &&
+            (model_.flags(table_->currentIndex()) & Qt::ItemIsEditable)) {
+            table_->edit(table_->currentIndex());
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace corvalis
