@@ -2,6 +2,7 @@
 
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/KeyStrings.h"
+#include "pane/HotKeyRecording.h"
 #include "platform/NotificationCenter.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/NotificationNames.h"
@@ -126,11 +127,11 @@ ShortcutTextColour ComKestrovaShortcutsController::keyCombinationTextColour(bool
 }
 
 void ComKestrovaShortcutsController::keyCombinationWillBeginEditing() {
-    _distributed.post(Notification{notifications::SuspendHotKeys, notifications::PaneObject, std::nullopt});
+    suspendHotKeys(_distributed);
 }
 
 void ComKestrovaShortcutsController::keyCombinationWillEndEditing() {
-    _distributed.post(Notification{notifications::ResumeHotKeys, notifications::PaneObject, std::nullopt});
+    resumeHotKeys(_distributed);
 }
 
 bool ComKestrovaShortcutsController::validateKeyCombination(const std::optional<KVKeyCombination>& combination,
@@ -139,10 +140,7 @@ bool ComKestrovaShortcutsController::validateKeyCombination(const std::optional<
 }
 
 void ComKestrovaShortcutsController::didFailToValidateKeyCombination(const std::string& error) {
-    _view.beep();
-    _view.ask(EditorAlert{EditorAlert::Style::Warning, error, LocalizedString(keystrings::ChooseAnotherCombination),
-                          {LocalizedString(keystrings::OK)}},
-              {});
+    refuseKeyCombination(_view, error);
 }
 
 }  // namespace corvalis

@@ -51,3 +51,13 @@ inline constexpr const char* ChangeKeyboardShortcut = "ChangeKeyboardShortcut";
 inline constexpr const char* ChangeKeyboardShortcutEnabled = "ChangeKeyboardShortcutEnabled";
 
 }  // namespace corvalis::changes
+
+namespace corvalis::changes {
+
+// User-info keys of the group changes; "ChangeExcludedApplications" rides along in "ChangeGroups".
+inline constexpr const char* ChangeGroups = "ChangeGroups";
+inline constexpr const char* ChangeArrangement = "ChangeArrangement";
+inline constexpr const char* ChangeExcludedApplications = "ChangeExcludedApplications";
+inline constexpr const char* RemoveKeyboardShortcut = "RemoveKeyboardShortcut";
+
+}  // namespace corvalis::changes

@@ -22,6 +22,7 @@
 #include "controls/LocalizedText.h"
 #include "fileutils/KVOperatingSystem.h"
 #include "keys/KVKeyCombinationValidator.h"
+#include "groups/ui/GroupsTab.h"
 #include "keys/ui/ShortcutsTab.h"
 #include "pane/PaneControllers.h"
 #include "pane/ControllerLocation.h"
@@ -147,6 +148,7 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
 
     addTabController(tabs::Shortcuts, std::make_unique<ShortcutsTab>(*prefs_, *distributed_, page(tabs::Shortcuts),
                                                                      window_, keyCombinationValidator_.get()));
+    addTabController(tabs::Groups, std::make_unique<GroupsTab>(*this));
 
     // toggled, not clicked: a screen reader's toggle action and the keyboard change the state
     // without a click. The label follows every change, the pane's own ones included.
