@@ -19,7 +19,7 @@ TEST_F(GroupsTest, NewGroupNamesSkipTakenCandidates) {
         {{"Other"}, "Group 2"},
         {{"Group 2"}, "Group 2 1"},
         {{"group 2", "Group 2 1"}, "Group 3"},
-        {{"Group 3", "Group 3 1", "x"}, "Group 3 2"},
+        {{"Group 4", "Group 4 1", "x"}, "Group 4 2"},
     };
     for (const Case& c : cases) {
         std::vector<Dictionary> list;
@@ -210,6 +210,8 @@ TEST_F(GroupsTest, PathRefreshRemovesExactDuplicatesAndKeepsVanishedFiles) {
 
 TEST_F(GroupsTest, RunningAndBackgroundApplicationsAreAddedToTheSelectedGroup) {
     std::string shown = app("Shown"), hidden = app("Hidden");
+    test::writeFile(std::filesystem::path(hidden) / "Contents" / "Info.plist",
+                    plist::toXml(Dictionary{{"CFBundleIdentifier", "com.test.Hidden"}, {"LSUIElement", true}}));
     running.running = {{1, shown, "com.test.Shown", false}, {2, hidden, "com.test.Hidden", true},
                        {3, app("Finder"), "com.apple.finder", false}, {4, app("Corvalis"), "com.kestrova.Corvalis.Controller", true}};
     openWithGroups({group("A", {member(shown)})});

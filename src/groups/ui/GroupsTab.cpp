@@ -79,7 +79,7 @@ GroupsTab::GroupsTab(ComKestrovaCorvalis_PrefsPane& pane, QObject* parent)
     outline_ = new KVOutlineView(content_);
     setItemView(outline_);
     outline_->setModel(controller_.get());
-    outline_->setItemDelegate(new GroupsOutlineDelegate(*icons_, outline_));
+    outline_->setItemDelegate(new GroupsOutlineDelegate(*icons_, outline_.data()));
     outline_->setHeaderHidden(true);
     outline_->setUniformRowHeights(true);
     outline_->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -98,7 +98,7 @@ GroupsTab::GroupsTab(ComKestrovaCorvalis_PrefsPane& pane, QObject* parent)
     layout->addLayout(left, 3);
     optionsBox_ = new GroupOptionsBox(*controller_, *options_, pane.prefs(), *this, *icons_, content_);
     layout->addWidget(optionsBox_, 2);
-    options_->setOutline(static_cast<QWidget*>(outline_));
+    options_->setOutline(static_cast<QWidget*>(outline_.data()));
     buildMenus();
 
     connect(outline_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &GroupsTab::selectionDidChange);
@@ -155,8 +155,8 @@ void GroupsTab::buildMenus() {
     showInfo_ = actionMenu_->addAction(QString(), controller_.get(), &GroupsController::onShowInfo);
     bar_->setActionMenu(actionMenu_);
     connect(addMenu_, &QMenu::aboutToShow, this, &GroupsTab::updateMenus);
+    // Not before: the settings are read only once the pane has loaded them.
     connect(actionMenu_, &QMenu::aboutToShow, this, &GroupsTab::updateMenus);
-    updateMenus();
 }
 
 void GroupsTab::updateMenus() {
@@ -228,7 +228,7 @@ void GroupsTab::initializePane(bool firstTime) {
 void GroupsTab::willShowPane() { controller_->willShowPane(); }
 
 void GroupsTab::willHidePane() {
-    if (QApplication::focusWidget() == optionsBox_->keyCombinationField()) outline_->setFocus();
+    if (optionsBox_ && QApplication::focusWidget() == optionsBox_->keyCombinationField()) outline_->setFocus();
 }
 
 void GroupsTab::windowDidBecomeMain() { controller_->windowDidBecomeMain(); }
@@ -258,6 +258,7 @@ void GroupsTab::addScreenshotViews(ComKestrovaCorvalis_PrefsPane& pane) {
         });
     pane.addScreenshotView("groups-delete-confirmation", [this, showTab] {
         showTab();
+        optionsBox_->synchronize();
         // The question as it is asked for the first group, whether or not it has members yet.
         std::optional<plist::Dictionary> first = controller_->groupAt(0);
         std::string name = first ? (*first)[keys::Name].stringOr("") : LocalizedFormat(groupstrings::NewGroup, {1LL});

@@ -9,6 +9,8 @@
 
 #include "controls/QtEditorView.h"
 #include "groups/GroupsController.h"
+#include "controls/KVTableView.h"
+#include "groups/ui/GroupOptionsBox.h"
 #include "pane/PaneController.h"
 
 class QAction;
@@ -62,9 +64,9 @@ private:
     std::unique_ptr<GroupsController> controller_;
     std::unique_ptr<GroupOptions> options_;
     QPointer<QWidget> content_;
-    KVOutlineView* outline_ = nullptr;
+    QPointer<KVOutlineView> outline_;
     KVServicesBar* bar_ = nullptr;
-    GroupOptionsBox* optionsBox_ = nullptr;
+    QPointer<GroupOptionsBox> optionsBox_;
     QMenu* addMenu_ = nullptr;
     QMenu* actionMenu_ = nullptr;
     QAction* duplicate_ = nullptr;
