@@ -63,7 +63,6 @@ protected:
     }
     // Loads the domain and opens the tab on it; the bus starts empty.
     void open(plist::Dictionary stored) {
-        application();
         load(stored);
         groups = std::make_unique<GroupsController>(prefs, validator, bus, local, running, view);
         view.controller = groups.get();

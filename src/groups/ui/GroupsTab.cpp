@@ -6,7 +6,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 #include "controls/KVIconServices.h"
@@ -17,6 +16,7 @@
 #include "groups/GroupTexts.h"
 #include "groups/ui/GroupIcons.h"
 #include "groups/ui/GroupOptionsBox.h"
+#include "groups/ui/GroupsOutline.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
 #include "pane/ApplicationsBrowserLink.h"
@@ -28,37 +28,6 @@
 #include "text/Localization.h"
 
 namespace corvalis {
-
-namespace {
-
-// Group rows: their icon, bold. Members: the file's icon, red or grey when the file is gone or
-// in the Trash. Icons are looked up here, so only for rows that are drawn.
-class GroupsOutlineDelegate : public QStyledItemDelegate {
-public:
-    GroupsOutlineDelegate(GroupIcons& icons, QObject* parent) : QStyledItemDelegate(parent), icons_(icons) {}
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->features |= QStyleOptionViewItem::HasDecoration;
-        option->decorationSize = QSize(16, 16);
-        if (index.data(GroupsController::IsGroupRole).toBool()) {
-            option->font.setBold(true);
-            option->icon = icons_.iconFor(index.data(GroupsController::IconNameRole).toString(),
-                                          index.data(GroupsController::IconDataRole).toByteArray());
-            return;
-        }
-        int error = 0;
-        option->icon = KVIconServices::sharedIcons().iconForPath(index.data(GroupsController::PathRole).toString(), &error);
-        bool selected = option->state & QStyle::State_Selected;
-        option->palette.setColor(QPalette::Text, KVIconServices::textColorForError(error, selected, option->palette));
-    }
-
-private:
-    GroupIcons& icons_;
-};
-
-}  // namespace
 
 GroupsTab::GroupsTab(ComKestrovaCorvalis_PrefsPane& pane, QObject* parent)
     : QObject(parent), QtEditorView(pane.window()), pane_(pane), icons_(std::make_unique<GroupIcons>()) {
@@ -76,21 +45,8 @@ GroupsTab::GroupsTab(ComKestrovaCorvalis_PrefsPane& pane, QObject* parent)
 
     auto* left = new QVBoxLayout;
     left->setSpacing(0);
-    outline_ = new KVOutlineView(content_);
+    outline_ = makeGroupsOutline(*controller_, *icons_, content_);
     setItemView(outline_);
-    outline_->setModel(controller_.get());
-    outline_->setItemDelegate(new GroupsOutlineDelegate(*icons_, outline_.data()));
-    outline_->setHeaderHidden(true);
-    outline_->setUniformRowHeights(true);
-    outline_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    outline_->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
-    outline_->setDragDropMode(QAbstractItemView::DragDrop);
-    outline_->setDefaultDropAction(Qt::MoveAction);
-    outline_->setDragEnabled(true);
-    outline_->setAcceptDrops(true);
-    outline_->setDropIndicatorShown(true);
-    outline_->setAccessibleName(localized("GroupsOutline"));
-    outline_->setObjectName("groups");
     outline_->installEventFilter(this);
     left->addWidget(outline_, 1);
     bar_ = new KVServicesBar(content_);
