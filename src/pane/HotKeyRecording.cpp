@@ -8,23 +8,23 @@
 
 namespace corvalis {
 
-void HotKeyRecording::keyCombinationWillBeginEditing() {
-    distributed_.post(Notification{notifications::SuspendHotKeys, notifications::PaneObject, std::nullopt});
+void suspendHotKeys(NotificationCenter& distributed) {
+    distributed.post(Notification{notifications::SuspendHotKeys, notifications::PaneObject, std::nullopt});
 }
 
-void HotKeyRecording::keyCombinationWillEndEditing() {
-    distributed_.post(Notification{notifications::ResumeHotKeys, notifications::PaneObject, std::nullopt});
+void resumeHotKeys(NotificationCenter& distributed) {
+    distributed.post(Notification{notifications::ResumeHotKeys, notifications::PaneObject, std::nullopt});
+}
+
+void refuseKeyCombination(EditorView& view, const std::string& error) {
+    view.beep();
+    view.ask(EditorAlert{EditorAlert::Style::Warning, error, LocalizedString(keystrings::ChooseAnotherCombination),
+                         {LocalizedString(keystrings::OK)}},
+             {});
 }
 
 bool HotKeyRecording::validateKeyCombination(const std::optional<KVKeyCombination>& combination, std::string* error) {
     return validator_.validateKeyCombination(combination, error);
-}
-
-void HotKeyRecording::didFailToValidateKeyCombination(const std::string& error) {
-    view_.beep();
-    view_.ask(EditorAlert{EditorAlert::Style::Warning, error, LocalizedString(keystrings::ChooseAnotherCombination),
-                          {LocalizedString(keystrings::OK)}},
-              {});
 }
 
 }  // namespace corvalis

@@ -4,6 +4,8 @@
 // validator decides, a refused combination is said in an alert, and the focus
 // goes back to the table afterwards.
 
+#include <string>
+
 #include "keys/KVKeyCombinationRecorder.h"
 #include "pane/EditorView.h"
 
@@ -11,6 +13,11 @@ namespace corvalis {
 
 class KVKeyCombinationValidator;
 class NotificationCenter;
+
+void suspendHotKeys(NotificationCenter& distributed);
+void resumeHotKeys(NotificationCenter& distributed);
+// Beeps and tells why the combination was refused, asking for another one.
+void refuseKeyCombination(EditorView& view, const std::string& error);
 
 class HotKeyRecording : public KeyCombinationFieldDelegate {
 public:
@@ -20,10 +27,10 @@ public:
     // The view that takes focus after recording (the table).
     void setTable(Responder table) { table_ = table; }
 
-    void keyCombinationWillBeginEditing() override;
-    void keyCombinationWillEndEditing() override;
+    void keyCombinationWillBeginEditing() override { suspendHotKeys(distributed_); }
+    void keyCombinationWillEndEditing() override { resumeHotKeys(distributed_); }
     bool validateKeyCombination(const std::optional<KVKeyCombination>& combination, std::string* error) override;
-    void didFailToValidateKeyCombination(const std::string& error) override;
+    void didFailToValidateKeyCombination(const std::string& error) override { refuseKeyCombination(view_, error); }
     Responder nextFirstResponderForControl() override { return table_; }
 
 private:

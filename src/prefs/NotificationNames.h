@@ -63,3 +63,13 @@ inline constexpr const char* Index = "Index";
 inline constexpr const char* Paths = "Paths";
 
 }  // namespace corvalis::changes
+
+namespace corvalis::changes {
+
+// User-info keys of the group changes; "ChangeExcludedApplications" rides along in "ChangeGroups".
+inline constexpr const char* ChangeGroups = "ChangeGroups";
+inline constexpr const char* ChangeArrangement = "ChangeArrangement";
+inline constexpr const char* ChangeExcludedApplications = "ChangeExcludedApplications";
+inline constexpr const char* RemoveKeyboardShortcut = "RemoveKeyboardShortcut";
+
+}  // namespace corvalis::changes

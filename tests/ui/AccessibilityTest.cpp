@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QSet>
 #include <QTest>
+#include <QTreeView>
 
 #include "pane/ApplicationsBrowserLink.h"
 #include "pane/ui/CorvalisPane.h"
@@ -93,4 +94,27 @@ TEST(Accessibility, EveryControlOfEveryTabAndSheetIsNamedAndReachedFromTheKeyboa
         EXPECT_EQ(unnamed(shown).join('\n').toStdString(), "");
         EXPECT_EQ(unreachable(shown).join('\n').toStdString(), "");
     }
+}
+
+// The groups outline is a tree to a screen reader, and the icon menu names each colour.
+TEST(Accessibility, GroupsOutlineIsATreeAndTheIconMenuNamesItsColours) {
+    test::TempDir dir;
+    setenv("CORVALIS_PREFERENCES_DIR", (dir / "prefs").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (dir / "config").c_str(), 1);
+    QMainWindow window;
+    ComKestrovaCorvalis_PrefsPane pane(&window);
+    window.setCentralWidget(pane.loadMainView());
+    window.show();
+    ASSERT_TRUE(pane.showScreenshotView("tab-Groups"));
+    QWidget* page = pane.page("Groups");
+    auto* outline = page->findChild<QTreeView*>("groups");
+    ASSERT_TRUE(outline);
+    QAccessibleInterface* tree = QAccessible::queryAccessibleInterface(outline);
+    ASSERT_TRUE(tree);
+    EXPECT_EQ(tree->role(), QAccessible::Tree);
+    QStringList colours;
+    for (QComboBox* menu : page->findChildren<QComboBox*>())
+        for (int i = 0; i < menu->count(); ++i) colours << menu->itemText(i);
+    for (const char* colour : {"Red", "Orange", "Yellow", "Green", "Blue", "Purple", "Gray"})
+        EXPECT_TRUE(colours.contains(colour)) << colour;
 }

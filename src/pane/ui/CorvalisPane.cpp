@@ -23,6 +23,7 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "fileutils/browser/ui/InstallApplicationsBrowser.h"
 #include "keys/KVKeyCombinationValidator.h"
+#include "groups/ui/GroupsTab.h"
 #include "keys/ui/ShortcutsTab.h"
 #include "menus/ui/MenusTab.h"
 #include "pane/PaneControllers.h"
@@ -151,6 +152,7 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
     addTabController(tabs::Shortcuts, std::make_unique<ShortcutsTab>(*prefs_, *distributed_, page(tabs::Shortcuts),
                                                                      window_, keyCombinationValidator_.get()));
     installApplicationsBrowser(*this);
+    addTabController(tabs::Groups, std::make_unique<GroupsTab>(*this));
 
     // toggled, not clicked: a screen reader's toggle action and the keyboard change the state
     // without a click. The label follows every change, the pane's own ones included.

@@ -1,0 +1,142 @@
+// The real Groups tab in the real pane, offscreen.
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QImage>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+
+#include "controls/KVServicesBar.h"
+#include "controls/KVTableView.h"
+#include "groups/GroupOptions.h"
+#include "groups/ui/GroupOptionsBox.h"
+#include "groups/ui/GroupsTab.h"
+#include "keys/ui/KVKeyCombinationTextField.h"
+#include "pane/ui/CorvalisPane.h"
+#include "plist/PlistIO.h"
+#include "schema/PreferenceKeys.h"
+#include "support/IntegrationSupport.h"
+
+using namespace corvalis;
+using namespace corvalis::plist;
+
+namespace {
+
+class GroupsTabTest : public ::testing::Test {
+protected:
+    test::TempDir dir;
+    test::ScopedEnv prefsDir{"CORVALIS_PREFERENCES_DIR", (dir / "prefs").string()};
+    test::ScopedEnv config{"XDG_CONFIG_HOME", (dir / "config").string()};
+    std::unique_ptr<QMainWindow> window;
+    std::unique_ptr<ComKestrovaCorvalis_PrefsPane> pane;
+    KVOutlineView* outline = nullptr;
+    GroupsController* groups = nullptr;
+
+    std::string app(const std::string& name) { return test::makeBundle(dir.path(), name, "com.test." + name).string(); }
+
+    void open(const Array& stored) {
+        std::filesystem::create_directories(dir / "prefs");
+        test::writeFile(dir / "prefs" / "com.kestrova.Corvalis.plist",
+                        toXml(Dictionary{{keys::Groups, stored}, {keys::KeepGroupsAndApplicationsArranged, false}, {keys::CheckForUpdatesMaxVersion, "999"}}));
+        window = std::make_unique<QMainWindow>();
+        pane = std::make_unique<ComKestrovaCorvalis_PrefsPane>(window.get());
+        window->setCentralWidget(pane->loadMainView());
+        window->resize(800, 600);
+        window->show();
+        pane->showScreenshotView("tab-Groups");
+        outline = pane->page("Groups")->findChild<KVOutlineView*>();
+        ASSERT_TRUE(outline);
+        groups = qobject_cast<GroupsController*>(outline->model());
+    }
+    GroupOptionsBox* box() { return pane->page("Groups")->findChild<GroupOptionsBox*>(); }
+    QAction* addMenuAction(const QString& text) {
+        for (QAction* action : pane->page("Groups")->findChild<KVServicesBar*>()->addButton()->menu()->actions())
+            if (action->text() == text) return action;
+        return nullptr;
+    }
+    static Dictionary group(const std::string& name, const std::vector<std::string>& paths = {}) {
+        Array members;
+        for (const std::string& path : paths) members.append(Dictionary{{keys::Name, "x"}, {keys::Path, path}});
+        return Dictionary{{keys::Name, name}, {keys::CanBeDeleted, true}, {keys::Applications, members}};
+    }
+};
+
+}  // namespace
+
+TEST_F(GroupsTabTest, AddAndDuplicateGroupsFromTheAddMenu) {
+    open(Array{group("Work", {app("Mail")})});
+    ASSERT_EQ(groups->groupCount(), 1);
+    outline->setCurrentIndex(groups->index(0, 0));
+    addMenuAction("Duplicate Group")->trigger();
+    QTest::qWait(150);  // the copy's name opens for typing; the next action waits for it to end
+    addMenuAction("New Group")->trigger();
+    QTest::qWait(150);
+    ASSERT_EQ(groups->groupCount(), 3);
+    EXPECT_EQ((*groups->groupAt(1))[keys::Name].stringOr(""), "Work copy");
+    EXPECT_EQ(groups->applicationsOf(1)->size(), 1u);
+    EXPECT_EQ((*groups->groupAt(2))[keys::Name].stringOr(""), "Group 3");
+}
+
+TEST_F(GroupsTabTest, DeleteKeyAsksBeforeDeletingAGroupWithMembers) {
+    open(Array{group("Work", {app("Mail")}), group("Empty")});
+    outline->setFocus();
+    outline->setCurrentIndex(groups->index(0, 0));
+    QTest::keyClick(outline, Qt::Key_Delete);
+    auto* question = window->findChild<QMessageBox*>();
+    ASSERT_TRUE(question && question->isVisible());
+    question->buttons().back()->click();  // Cancel
+    EXPECT_EQ(groups->groupCount(), 2);
+    outline->setCurrentIndex(groups->index(1, 0));
+    QTest::keyClick(outline, Qt::Key_Delete);
+    EXPECT_EQ(groups->groupCount(), 1);
+}
+
+TEST_F(GroupsTabTest, MembersDragBetweenGroupsAndFilesDropIn) {
+    std::string mail = app("Mail"), notes = app("Notes");
+    open(Array{group("A", {mail}), group("B")});
+    QModelIndex member = groups->index(0, 0, groups->index(0, 0));
+    std::unique_ptr<QMimeData> drag(groups->mimeData({member}));
+    ASSERT_TRUE(groups->dropMimeData(drag.get(), Qt::CopyAction, 0, 0, groups->index(1, 0)));
+    EXPECT_EQ(groups->rowCount(groups->index(0, 0)), 1);
+    EXPECT_EQ(groups->rowCount(groups->index(1, 0)), 1);
+    EXPECT_TRUE(outline->isExpanded(groups->index(1, 0)));
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(QString::fromStdString(notes))});
+    ASSERT_TRUE(groups->dropMimeData(&files, Qt::MoveAction, -1, 0, groups->index(1, 0)));
+    EXPECT_EQ(groups->index(0, 0, groups->index(1, 0)).data().toString(), "Notes");
+    // The selection follows what was dropped, and never mixes groups with members.
+    outline->selectionModel()->select(groups->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    for (const EditorRow& row : groups->selectedRows()) EXPECT_GE(row.group, 0);
+}
+
+TEST_F(GroupsTabTest, ArrangementMenuAndCustomIconFromAPng) {
+    open(Array{group("b"), group("a")});
+    QMenu* actions = pane->page("Groups")->findChild<KVServicesBar*>()->actionButton()->menu();
+    for (QAction* action : actions->actions())
+        if (action->text() == "Keep Groups Arranged") action->trigger();
+    EXPECT_EQ(groups->index(0, 0).data().toString(), "a");
+
+    QImage image(40, 20, QImage::Format_ARGB32);
+    image.fill(Qt::red);
+    ASSERT_TRUE(image.save(QString::fromStdString((dir / "icon.png").string())));
+    outline->setCurrentIndex(groups->index(0, 0));
+    box()->chooseIcon(box()->iconMenu()->count() - 1);
+    auto* dialog = window->findChild<QFileDialog*>();
+    ASSERT_TRUE(dialog);
+    dialog->selectFile(QString::fromStdString((dir / "icon.png").string()));
+    QMetaObject::invokeMethod(dialog, "accept");
+    Dictionary record = *groups->groupAt(0);
+    EXPECT_EQ(record[keys::Icon].stringOr(""), "Custom 1");
+    ASSERT_TRUE(record[keys::IconData].data());
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(record[keys::IconData].data()->data()), 4), "icns");
+    EXPECT_FALSE(groups->index(0, 0).data(GroupsController::IconDataRole).toByteArray().isEmpty());
+}
