@@ -50,4 +50,7 @@ inline constexpr const char* ChangeSpecialMenuHotKey = "ChangeSpecialMenuHotKey"
 inline constexpr const char* ChangeKeyboardShortcut = "ChangeKeyboardShortcut";
 inline constexpr const char* ChangeKeyboardShortcutEnabled = "ChangeKeyboardShortcutEnabled";
 
+// The custom applications, both ways: { "CustomApplications": array }.
+inline constexpr const char* ChangeCustomApps = "ChangeCustomApps";
+
 }  // namespace corvalis::changes

@@ -23,6 +23,9 @@
 #include "fileutils/KVOperatingSystem.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/ShortcutsTab.h"
+#include "groups/ui/CustomApplicationsTab.h"
+#include "groups/ui/OptionsTab.h"
+#include "groups/ui/WindowRestorationTab.h"
 #include "pane/PaneControllers.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
@@ -147,6 +150,9 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
 
     addTabController(tabs::Shortcuts, std::make_unique<ShortcutsTab>(*prefs_, *distributed_, page(tabs::Shortcuts),
                                                                      window_, keyCombinationValidator_.get()));
+    addTabController(tabs::Applications, CustomApplicationsTab::create(*this));
+    addTabController(tabs::Options, OptionsTab::create(*this));
+    addTabController(tabs::Resume, WindowRestorationTab::create(*this));
 
     // toggled, not clicked: a screen reader's toggle action and the keyboard change the state
     // without a click. The label follows every change, the pane's own ones included.
