@@ -64,18 +64,22 @@ ButtonsSheetController::ButtonsSheetController(CorvalisPreferences& prefs, QObje
     : QAbstractListModel(parent), _prefs(prefs) {}
 
 void ButtonsSheetController::open(const std::string& buttonsKey) {
-    beginResetModel();
     _buttonsKey = buttonsKey;
-    _buttons = buttonRowsFromArray(_prefs.objectForKey(buttonsKey));
+    std::vector<ButtonRow> rows = buttonRowsFromArray(_prefs.objectForKey(buttonsKey));
+    // The four rows stay between openings and change as a layout change: a reset while the
+    // sheet is hidden would leave a screen reader holding cells of rows that are gone.
+    if (_buttons.size() == rows.size()) {
+        applyOrder(rows);
+        return;
+    }
+    beginResetModel();
+    _buttons = std::move(rows);
     endResetModel();
 }
 
 void ButtonsSheetController::close() {
-    beginResetModel();
     _buttonsKey.clear();
-    _buttons.clear();
     _draggedRows.clear();
-    endResetModel();
 }
 
 void ButtonsSheetController::reloadFromStore() {
@@ -108,7 +112,7 @@ void ButtonsSheetController::store() {
 }
 
 void ButtonsSheetController::setVisible(int row, bool visible) {
-    if (row < 0 || row >= rowCount() || _buttons[static_cast<std::size_t>(row)].visible == visible) return;
+    if (!isOpen() || row < 0 || row >= rowCount() || _buttons[static_cast<std::size_t>(row)].visible == visible) return;
     if (!visibleBoxEnabled(_buttons, row)) return;
     _buttons[static_cast<std::size_t>(row)].visible = visible;
     // The other boxes' enabled state may follow.
@@ -117,6 +121,7 @@ void ButtonsSheetController::setVisible(int row, bool visible) {
 }
 
 bool ButtonsSheetController::moveRows(const std::vector<int>& rows, int target) {
+    if (!isOpen()) return false;
     std::vector<int> order = orderAfterMove(rowCount(), rows, target);
     std::vector<ButtonRow> moved;
     for (int row : order) moved.push_back(_buttons[static_cast<std::size_t>(row)]);

@@ -42,7 +42,7 @@ public:
 
     explicit ButtonsSheetController(CorvalisPreferences& prefs, QObject* parent = nullptr);
 
-    // Shows the rows of "PanelButtons" or "StatusItemButtons"; close() forgets them.
+    // Shows the rows of "PanelButtons" or "StatusItemButtons"; after close() nothing is stored.
     void open(const std::string& buttonsKey);
     void close();
     bool isOpen() const { return !_buttonsKey.empty(); }

@@ -215,5 +215,7 @@ TEST_F(Options, AControllerChangeRebuildsTheOpenSheetKeepingTheSelectionByMenu) 
     EXPECT_EQ(sheet.rows().at(1), (ButtonRow{0, false}));
     EXPECT_TRUE(payloads().empty());
     controller.onCloseConfigureButtons();
-    EXPECT_EQ(sheet.rowCount(), 0);
+    EXPECT_FALSE(sheet.isOpen());
+    controller.onConfigureStatusItem();  // the other key's rows, in place of the panel's
+    EXPECT_EQ(special.row(), 3);
 }

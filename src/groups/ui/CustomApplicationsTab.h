@@ -66,7 +66,7 @@ private:
 
     std::unique_ptr<CustomApplicationsController> controller_;
     QPointer<QWidget> content_;
-    KVTableView* table_ = nullptr;
+    QPointer<KVTableView> table_;
     KVServicesBar* bar_ = nullptr;
     QMenu* actions_ = nullptr;
     QAction* changeAction_ = nullptr;

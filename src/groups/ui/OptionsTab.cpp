@@ -222,7 +222,8 @@ QDialog* OptionsTab::makeButtonsSheet() {
     buttonsList_->setDragDropOverwriteMode(false);
     buttonsList_->setDefaultDropAction(Qt::MoveAction);
     buttonsList_->setDropIndicatorShown(true);
-    buttonsList_->setMinimumHeight(4 * 26);
+    // Four rows, no empty space below them.
+    buttonsList_->setFixedHeight(4 * qMax(buttonsList_->fontMetrics().height() + 8, 22) + 2 * buttonsList_->frameWidth());
     rows->addWidget(buttonsList_, 1);
     auto* moves = new QVBoxLayout;
     auto* up = new QPushButton(localized("MoveUp"), sheet);

@@ -53,7 +53,7 @@ private:
     std::unique_ptr<KVWindowRestorationManager> manager_;
     std::unique_ptr<WindowRestorationController> controller_;
     QPointer<QWidget> content_;
-    KVTableView* table_ = nullptr;
+    QPointer<KVTableView> table_;
     KVServicesBar* bar_ = nullptr;
     QAction* infoAction_ = nullptr;
     std::function<void()> browse_;
