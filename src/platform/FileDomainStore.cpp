@@ -201,7 +201,8 @@ std::string withArticle(plist::Type type) {
 
 }  // namespace
 
-FileDomainStore::FileDomainStore(fs::path folder) : folder_(std::move(folder)) {}
+FileDomainStore::FileDomainStore(fs::path folder, Unreadable unreadable)
+    : folder_(std::move(folder)), unreadable_(unreadable) {}
 
 FileDomainStore::~FileDomainStore() {
     while (!pending_.empty()) {
@@ -247,16 +248,17 @@ FileDomainStore::Loaded FileDomainStore::load(const std::string& name, const fs:
         return loaded;
     }
     if (!file.error.empty()) {
-        setAside(name, path, file.error);
+        loaded.refused = !setAside(name, path, file.error);
         return loaded;
     }
     plist::ParseResult parsed = plist::parse(std::span<const std::uint8_t>(file.bytes));
     if (!parsed.ok()) {
-        setAside(name, path, parsed.error);
+        loaded.refused = !setAside(name, path, parsed.error);
         return loaded;
     }
     loaded.domain = plist::asDictionary(parsed.value);
-    if (!loaded.domain) setAside(name, path, "it holds " + withArticle(parsed.value.type()) + ", not a dictionary");
+    if (!loaded.domain)
+        loaded.refused = !setAside(name, path, "it holds " + withArticle(parsed.value.type()) + ", not a dictionary");
     return loaded;
 }
 
@@ -337,17 +339,18 @@ std::string FileDomainStore::write(const std::string& name, Pending& pending) {
 }
 std::vector<SetAsideDomain> FileDomainStore::takeSetAsideDomains() { return std::exchange(setAside_, {}); }
 
-void FileDomainStore::setAside(const std::string& name, const fs::path& path, const std::string& reason) {
+bool FileDomainStore::setAside(const std::string& name, const fs::path& path, const std::string& reason) {
     std::string base = path.string() + ".unreadable-" + timestamp();
     std::string target = base;
     for (int n = 2; fs::exists(fs::symlink_status(target)); ++n) target = base + "-" + std::to_string(n);
-    if (::rename(path.c_str(), target.c_str()) != 0) {
+    if (unreadable_ == Unreadable::LeaveInPlace || ::rename(path.c_str(), target.c_str()) != 0) {
         // The file stays where it is; saving over it must not happen silently either.
         unmovable_.insert(name);
         setAside_.push_back({name, pathForDomain(name).string(), "", reason});
-        return;
+        return false;
     }
     setAside_.push_back({name, pathForDomain(name).string(), target, reason});
+    return true;
 }
 
 }  // namespace corvalis

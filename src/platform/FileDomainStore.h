@@ -14,7 +14,11 @@ namespace corvalis {
 
 class FileDomainStore : public DomainStore {
 public:
-    explicit FileDomainStore(std::filesystem::path folder);
+    // What to do with a domain file that cannot be parsed: ours are moved aside (and
+    // defaults written); another application's stay exactly as they are, never written over.
+    enum class Unreadable { SetAside, LeaveInPlace };
+
+    explicit FileDomainStore(std::filesystem::path folder, Unreadable unreadable = Unreadable::SetAside);
     ~FileDomainStore() override;  // writes what is still pending
 
     // $CORVALIS_PREFERENCES_DIR, else ${XDG_CONFIG_HOME:-~/.config}/corvalis/Preferences.
@@ -49,8 +53,10 @@ private:
     std::vector<SetAsideDomain> setAside_;
     std::set<std::string> unmovable_;  // unreadable files that stayed in place: never written over
     std::string lastWriteError_;
+    Unreadable unreadable_;
 
-    void setAside(const std::string& name, const std::filesystem::path& path, const std::string& reason);
+    // False when the file stayed where it is (then it is never written over).
+    bool setAside(const std::string& name, const std::filesystem::path& path, const std::string& reason);
     // The domain's file, read and parsed; none when missing or unreadable (then set aside or refused).
     struct Loaded {
         std::optional<plist::Dictionary> domain;

@@ -54,22 +54,18 @@ inline constexpr const char* ChangeOpenMenuItemDepth = "ChangeOpenMenuItemDepth"
 inline constexpr const char* ChangeKeyboardShortcut = "ChangeKeyboardShortcut";
 inline constexpr const char* ChangeKeyboardShortcutEnabled = "ChangeKeyboardShortcutEnabled";
 
-// The applications browser's changes to the Open menu: the whole menu after a path
-// repair, and one folder's browser depth ({"Index": folder count, "BrowserDepth"}).
-inline constexpr const char* ChangeOpenMenuItems = "ChangeOpenMenuItems";
+// One Open menu folder's browser depth, from the applications browser ({"Index": folder count, "BrowserDepth"}).
 inline constexpr const char* ChangeOpenMenuItemBrowserDepth = "ChangeOpenMenuItemBrowserDepth";
 // User-info keys of the Open menu editor's local notifications and of the depth changes.
 inline constexpr const char* Index = "Index";
 inline constexpr const char* Paths = "Paths";
-
-}  // namespace corvalis::changes
-
-namespace corvalis::changes {
 
 // User-info keys of the group changes; "ChangeExcludedApplications" rides along in "ChangeGroups".
 inline constexpr const char* ChangeGroups = "ChangeGroups";
 inline constexpr const char* ChangeArrangement = "ChangeArrangement";
 inline constexpr const char* ChangeExcludedApplications = "ChangeExcludedApplications";
 inline constexpr const char* RemoveKeyboardShortcut = "RemoveKeyboardShortcut";
+// The custom applications, both ways: { "CustomApplications": array }.
+inline constexpr const char* ChangeCustomApps = "ChangeCustomApps";
 
 }  // namespace corvalis::changes

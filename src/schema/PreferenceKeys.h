@@ -199,6 +199,10 @@ inline constexpr const char* ForceRosetta = "ForceRosetta";
 inline constexpr const char* Force32BitMode = "Force32BitMode";
 inline constexpr const char* DontHideInSingleAppMode = "DontHideInSingleAppMode";
 inline constexpr const char* DontHideOnHideOthers = "DontHideOnHideOthers";
+inline constexpr const char* DontActivate = "DontActivate";
+inline constexpr const char* HideMeOrOthers = "HideMeOrOthers";
+inline constexpr const char* DontAddToRecentApps = "DontAddToRecentApps";
+inline constexpr const char* DontAddToRecentItems = "DontAddToRecentItems";
 
 // Keys of older versions, migrated and removed on load.
 inline constexpr const char* Mark64BitApplications = "Mark64BitApplications";

@@ -76,6 +76,7 @@ TEST(Accessibility, EveryControlOfEveryTabAndSheetIsNamedAndReachedFromTheKeyboa
     test::TempDir dir;
     setenv("CORVALIS_PREFERENCES_DIR", (dir / "prefs").c_str(), 1);
     setenv("XDG_CONFIG_HOME", (dir / "config").c_str(), 1);
+    setenv("CORVALIS_CONTAINERS_DIR", (dir / "containers").c_str(), 1);
     QMainWindow window;
     ComKestrovaCorvalis_PrefsPane pane(&window);
     window.setCentralWidget(pane.loadMainView());
@@ -83,6 +84,9 @@ TEST(Accessibility, EveryControlOfEveryTabAndSheetIsNamedAndReachedFromTheKeyboa
     window.show();
     ASSERT_TRUE(test::waitUntil([&] { return pane.attachedSheet() != nullptr; }));  // the first-use welcome
     pane.attachedSheet()->done(1);
+    for (const char* view : {"tab-Applications", "tab-Options", "tab-Resume", "sheet-panel-buttons",
+                             "sheet-status-item-buttons"})
+        EXPECT_TRUE(pane.screenshotViews().contains(view)) << view;
     for (const QString& view : pane.screenshotViews()) {
         SCOPED_TRACE(view.toStdString());
         ASSERT_TRUE(pane.showScreenshotView(view));

@@ -26,6 +26,9 @@
 #include "groups/ui/GroupsTab.h"
 #include "keys/ui/ShortcutsTab.h"
 #include "menus/ui/MenusTab.h"
+#include "groups/ui/CustomApplicationsTab.h"
+#include "groups/ui/OptionsTab.h"
+#include "groups/ui/WindowRestorationTab.h"
 #include "pane/PaneControllers.h"
 #include "pane/ControllerLocation.h"
 #include "pane/ControllerManager.h"
@@ -153,6 +156,9 @@ QWidget* ComKestrovaCorvalis_PrefsPane::buildView() {
                                                                      window_, keyCombinationValidator_.get()));
     installApplicationsBrowser(*this);
     addTabController(tabs::Groups, std::make_unique<GroupsTab>(*this));
+    addTabController(tabs::Applications, CustomApplicationsTab::create(*this));
+    addTabController(tabs::Options, OptionsTab::create(*this));
+    addTabController(tabs::Resume, WindowRestorationTab::create(*this));
 
     // toggled, not clicked: a screen reader's toggle action and the keyboard change the state
     // without a click. The label follows every change, the pane's own ones included.

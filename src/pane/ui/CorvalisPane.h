@@ -67,6 +67,8 @@ public:
     // Between the tabs, editors and the browser inside this pane.
     InProcessNotificationCenter& localNotifications() { return *local_; }
     RunningApplications& runningApplications();
+    // The preferences folder's domains: ours, the Dock's, other applications'.
+    FileDomainStore& domainStore() { return *domains_; }
     KVKeyCombinationValidator& keyCombinationValidator() { return *keyCombinationValidator_; }
     KVSwitchControl* onOffSwitch() const { return onOffSwitch_; }
     QLabel* switchLabel() const { return switchLabel_; }

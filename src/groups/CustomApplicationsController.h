@@ -1,0 +1,110 @@
+#pragma once
+// The Applications tab without its widgets: the store's own "CustomApplications"
+// array as a list model kept in name order, with adding, changing, fixing and
+// removing entries, their launch options, path repair, drops of applications
+// and the controller's own changes.
+
+#include <QAbstractListModel>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "groups/CustomApplicationsOptions.h"
+#include "pane/EditorView.h"
+#include "platform/NotificationCenter.h"
+
+namespace corvalis {
+
+class CorvalisPreferences;
+class Workspace;
+
+// The page beside the list that shows the selected application's options.
+enum class OptionsViewState { NoApplications, NoApplicationsSelected, Options, MultipleApplications };
+
+// What the controller asks of the tab's widgets beyond an editor's view.
+class CustomApplicationsView : public virtual EditorView {
+public:
+    virtual std::vector<int> selectedRows() const = 0;
+    // Shows the page for `state`; with Options, the boxes from the single selected entry.
+    virtual void showOptions(OptionsViewState state) = 0;
+};
+
+class CustomApplicationsController : public QAbstractListModel {
+    Q_OBJECT
+
+public:
+    enum Role { PathRole = Qt::UserRole + 1 };
+
+    CustomApplicationsController(CorvalisPreferences& prefs, NotificationCenter& distributed,
+                                 CustomApplicationsView& view,
+                                 ApplicationArchitectures architectures = ApplicationArchitectures::system());
+    ~CustomApplicationsController() override;
+
+    void initializePane(bool firstTime);
+    void willShowPane() { _updatePaths(); }
+    void windowDidBecomeMain() { _updatePaths(); }
+    // Appends a line counting the entries whose application is missing.
+    void updatePane(std::string& report);
+
+    void onAddApplication();
+    void onRemoveApplication();
+    // The change panel for the single selected entry (or the clicked row, on a double click).
+    void onChangeApplication(std::optional<int> clickedRow = std::nullopt);
+    // The boxes as the user left them; `changed` is the one just clicked.
+    void onEditOptions(LaunchOptions options, OptionBox changed);
+    void onShowInfo();
+    void selectionDidChange();
+    // Type to select: the first entry whose name does not sort before the text, else the last.
+    bool selectString(const std::string& typed);
+    void onCustomAppsChanged(const Notification& notification);
+
+    // For the widgets.
+    bool showInfo() const { return _showInfo; }
+    OptionsViewState optionsViewState() const;
+    std::optional<LaunchOptions> selectedOptions() const;
+    // "ChangeApplication1", or "FixPath1" when the one selected entry's path is invalid; none unless one is selected.
+    std::optional<std::string> changeMenuTitle() const;
+    bool canRemove() const { return !_view.selectedRows().empty(); }
+    std::string pathAt(int row) const;
+    std::string nameAt(int row) const;
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    QStringList mimeTypes() const override { return {"text/uri-list"}; }
+    Qt::DropActions supportedDropActions() const override { return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction; }
+    bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                         const QModelIndex& parent) const override;
+    bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                      const QModelIndex& parent) override;
+    // Drops are refused while a sheet is open.
+    void setSheetShown(bool shown) { _sheetShown = shown; }
+
+    // The row of the entry for `path`, added in name order unless listed already.
+    int _addApplication(const std::string& path, bool* listAlreadyContainsApp);
+    void _updatePaths();
+
+private:
+    std::vector<std::string> selectedPaths() const;
+    void selectPaths(const std::vector<std::string>& paths);
+    std::optional<int> rowOfPath(const std::string& path, bool ignoringCase) const;
+    void selectAndScroll(const std::vector<int>& rows);
+    void removeRow(int row);
+    void insertRecord(const plist::Dictionary& record);
+    void synchronize();
+    void _removeApplications();
+    void changeApplication(int row, const std::string& path);
+    std::vector<std::string> droppedApplications(const QMimeData* data) const;
+
+    CorvalisPreferences& _prefs;
+    NotificationCenter& _distributed;
+    CustomApplicationsView& _view;
+    ApplicationArchitectures _architectures;
+    plist::Array _applications;
+    bool _showInfo = false;
+    bool _updateAllOptions = true;
+    bool _sheetShown = false;
+    std::optional<NotificationCenter::Token> _observer;
+};
+
+}  // namespace corvalis

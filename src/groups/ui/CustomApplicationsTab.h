@@ -1,0 +1,91 @@
+#pragma once
+// The Applications tab: the list of applications with their own launch options,
+// its services bar, and the page of option boxes for the selected one.
+// CustomApplicationsController decides what is stored and told; this is its view.
+
+#include <QObject>
+#include <QPointer>
+#include <memory>
+
+#include "controls/QtEditorView.h"
+#include "groups/CustomApplicationsController.h"
+#include "pane/PaneController.h"
+
+class QAction;
+class QCheckBox;
+class QLabel;
+class QMenu;
+class QRadioButton;
+class QStackedWidget;
+class QWidget;
+
+namespace corvalis {
+
+class ComKestrovaCorvalis_PrefsPane;
+class KVServicesBar;
+class KVTableView;
+
+class CustomApplicationsTab : public QObject,
+                              public PaneController,
+                              public CustomApplicationsView,
+                              public QtEditorView {
+    Q_OBJECT
+
+public:
+    CustomApplicationsTab(CorvalisPreferences& prefs, NotificationCenter& distributed, QWidget* page, QWidget* window,
+                          ApplicationArchitectures architectures = ApplicationArchitectures::system(),
+                          QObject* parent = nullptr);
+    ~CustomApplicationsTab() override;
+    static std::unique_ptr<CustomApplicationsTab> create(ComKestrovaCorvalis_PrefsPane& pane);
+
+    void initializePane(bool firstTime) override { controller_->initializePane(firstTime); }
+    void willShowPane() override { controller_->willShowPane(); }
+    void windowDidBecomeMain() override { controller_->windowDidBecomeMain(); }
+    void updatePane(std::string& report) override { controller_->updatePane(report); }
+
+    std::vector<int> selectedRows() const override;
+    void showOptions(OptionsViewState state) override;
+    void ask(const EditorAlert& alert, std::function<void(int button)> answer) override;
+    void pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string>)> picked) override;
+
+    CustomApplicationsController& controller() { return *controller_; }
+    KVTableView* table() const { return table_; }
+    QStackedWidget* optionsViewer() const { return optionsViewer_; }
+    KVServicesBar* servicesBar() const { return bar_; }
+    // The boxes, by the names of the record's options.
+    QCheckBox* box(const char* option) const;
+    QLabel* openLabel() const { return open_; }
+
+    void setBrowseApplications(std::function<void()> browse) { browse_ = std::move(browse); }
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    LaunchOptions optionsFromBoxes() const;
+    void optionClicked(OptionBox changed);
+    void updateActionMenu();
+
+    std::unique_ptr<CustomApplicationsController> controller_;
+    QPointer<QWidget> content_;
+    QPointer<KVTableView> table_;
+    KVServicesBar* bar_ = nullptr;
+    QMenu* actions_ = nullptr;
+    QAction* changeAction_ = nullptr;
+    QAction* infoAction_ = nullptr;
+    QStackedWidget* optionsViewer_ = nullptr;
+    QCheckBox* dontActivate_ = nullptr;
+    QCheckBox* hide_ = nullptr;
+    QRadioButton* hideMe_ = nullptr;
+    QRadioButton* hideOthers_ = nullptr;
+    QCheckBox* dontHideOnHideOthers_ = nullptr;
+    QCheckBox* dontHideInSingleAppMode_ = nullptr;
+    QCheckBox* dontAddToRecentItems_ = nullptr;
+    QCheckBox* dontAddToRecentApps_ = nullptr;
+    QLabel* open_ = nullptr;
+    QCheckBox* openIn32BitMode_ = nullptr;
+    QCheckBox* openInRosetta_ = nullptr;
+    std::function<void()> browse_;
+    int sheets_ = 0;  // sheets open over the window: drops wait
+    bool showing_ = false;
+};
+
+}  // namespace corvalis
