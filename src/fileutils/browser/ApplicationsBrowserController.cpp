@@ -114,11 +114,14 @@ const char* ApplicationsBrowserController::depthKey(int tag) const {
     return nullptr;
 }
 
+// A negative depth read from the settings counts as the depth of a new folder.
 std::optional<int> ApplicationsBrowserController::storedDepth(int tag) {
-    if (const char* key = depthKey(tag)) return _prefs.intForKey(key);
-    if (!folderOfSource(tag)) return std::nullopt;
-    return plist::Value(openMenuItems())[tag - OpenMenuFolderTag][keys::BrowserDepth].toInt32().value_or(
-        kNewFolderBrowserDepth);
+    std::int32_t depth = kNewFolderBrowserDepth;
+    if (const char* key = depthKey(tag)) depth = _prefs.intForKey(key);
+    else if (folderOfSource(tag))
+        depth = plist::Value(openMenuItems())[tag - OpenMenuFolderTag][keys::BrowserDepth].toInt32().value_or(depth);
+    else return std::nullopt;
+    return depth < 0 ? kNewFolderBrowserDepth : depth;
 }
 
 bool ApplicationsBrowserController::isCached(int tag) {
