@@ -74,6 +74,7 @@ TEST_F(Browser, DockTilesThatDoNotResolveOrLookLikeSeparatorsAreLeftOut) {
     fs::path found = test::makeApp(disk.path(), "Found");
     fs::path hyphens = test::makeApp(disk.path(), "---");
     fs::path upper = test::makeApp(disk.path(), "Upper");
+    fs::path booked = test::makeApp(disk.path(), "Booked");
     auto tile = [](const std::string& type, const Value& data) { return Dictionary{{"tile-type", type}, {"tile-data", data}}; };
     auto fileData = [](const std::string& url, const Value& alias) {
         Dictionary file{{"_CFURLString", url}};
@@ -88,13 +89,14 @@ TEST_F(Browser, DockTilesThatDoNotResolveOrLookLikeSeparatorsAreLeftOut) {
         tile("file-tile", fileData((disk / "Gone.app").string(), junk)),  // missing, alias junk
         tile("file-tile", fileData(found.string(), Value())),            // no alias data
         tile("file-tile", Dictionary{{"book", junk}}),                    // bookmark that does not resolve
+        tile("file-tile", Dictionary{{"book", *AliasData(booked.string(), workspace)}}),
         tile("spacer-tile", Dictionary()),
         Value("not a tile"),
     };
     domains.domains["com.apple.dock"] = Dictionary{{"persistent-apps", tiles}};
     make();
     show(DockApplicationsTag);
-    EXPECT_EQ(names(), (std::vector<std::string>{"Found", "Upper"}));
+    EXPECT_EQ(names(), (std::vector<std::string>{"Booked", "Found", "Upper"}));
 
     // Without a Dock the desktop's favourites stand in; unknown ids are left out.
     domains.domains.erase("com.apple.dock");

@@ -114,11 +114,14 @@ const char* ApplicationsBrowserController::depthKey(int tag) const {
     return nullptr;
 }
 
+// A negative depth read from the settings counts as the depth of a new folder.
 std::optional<int> ApplicationsBrowserController::storedDepth(int tag) {
-    if (const char* key = depthKey(tag)) return _prefs.intForKey(key);
-    if (!folderOfSource(tag)) return std::nullopt;
-    return plist::Value(openMenuItems())[tag - OpenMenuFolderTag][keys::BrowserDepth].toInt32().value_or(
-        kNewFolderBrowserDepth);
+    std::int32_t depth = kNewFolderBrowserDepth;
+    if (const char* key = depthKey(tag)) depth = _prefs.intForKey(key);
+    else if (folderOfSource(tag))
+        depth = plist::Value(openMenuItems())[tag - OpenMenuFolderTag][keys::BrowserDepth].toInt32().value_or(depth);
+    else return std::nullopt;
+    return depth < 0 ? kNewFolderBrowserDepth : depth;
 }
 
 bool ApplicationsBrowserController::isCached(int tag) {
@@ -454,13 +457,21 @@ void ApplicationsBrowserController::setLoading(bool loading) {
 
 // Following the workspace.
 
-void ApplicationsBrowserController::onLaunchApplication(const RunningApplication& application) {
+// True when the shown running list takes the change row by row; otherwise a
+// hidden list is dropped and an uncached shown one loaded whole.
+bool ApplicationsBrowserController::followsRunningList() {
     std::string key = sourceKey(RunningApplicationsTag);
     if (_shownTag != RunningApplicationsTag) {
         _cache.erase(key);
-        return;
+        return false;
     }
-    if (!_cache.contains(key)) return _reload();
+    if (_cache.contains(key)) return true;
+    _reload();
+    return false;
+}
+
+void ApplicationsBrowserController::onLaunchApplication(const RunningApplication& application) {
+    if (!followsRunningList()) return;
     plist::Array added = RunningApplicationEntries({application});
     if (added.empty()) return;
     for (const plist::Value& entry : _entries)
@@ -473,12 +484,7 @@ void ApplicationsBrowserController::onLaunchApplication(const RunningApplication
 }
 
 void ApplicationsBrowserController::onTerminateApplication(const RunningApplication& application) {
-    std::string key = sourceKey(RunningApplicationsTag);
-    if (_shownTag != RunningApplicationsTag) {
-        _cache.erase(key);
-        return;
-    }
-    if (!_cache.contains(key)) return _reload();
+    if (!followsRunningList()) return;
     for (int row = 0; row < rowCount(); ++row) {
         if (pathAt(row) != application.path) continue;
         beginRemoveRows(QModelIndex(), row, row);

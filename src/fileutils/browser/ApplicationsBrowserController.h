@@ -124,6 +124,7 @@ private:
     void startWalk(const std::string& key, const std::string& folder, int depth);
     void walkFinished(unsigned generation, const std::string& key, plist::Array found);
     void setLoading(bool loading);
+    bool followsRunningList();
     void onLaunchApplication(const RunningApplication& application);
     void onTerminateApplication(const RunningApplication& application);
     void onRecentItemsChanged();

@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
@@ -13,6 +14,7 @@
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include "controls/KVIconServices.h"
@@ -27,6 +29,27 @@ namespace {
 constexpr int kMaximumDepth = 10;
 constexpr int kGapToPane = 8;
 constexpr QSize kInitialSize(320, 460);
+// Room for the row's image in front of its name.
+constexpr int kImageWidth = 22;
+
+// A row's tool tip (its path, in info mode) shows only while the mouse is over
+// the image and the name, not over the empty rest of the row.
+class BrowserCell : public KVImageAndTextCell {
+public:
+    using KVImageAndTextCell::KVImageAndTextCell;
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+        if (event->type() == QEvent::ToolTip) {
+            QRect named = option.rect;
+            named.setWidth(std::min(named.width(), option.fontMetrics.horizontalAdvance(index.data().toString()) + kImageWidth));
+            if (!named.contains(event->pos())) {
+                QToolTip::hideText();
+                return true;
+            }
+        }
+        return KVImageAndTextCell::helpEvent(event, view, option, index);
+    }
+};
 }  // namespace
 
 ApplicationsBrowserWindow::ApplicationsBrowserWindow(CorvalisPreferences& prefs, NotificationCenter& local,
@@ -102,7 +125,7 @@ void ApplicationsBrowserWindow::buildControls() {
     icons_ = new BrowserIconModel(this);
     icons_->setSourceModel(controller_.get());
     table_->setModel(icons_);
-    table_->setItemDelegate(new KVImageAndTextCell(table_));
+    table_->setItemDelegate(new BrowserCell(table_));
     table_->horizontalHeader()->hide();
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->verticalHeader()->hide();
