@@ -9,6 +9,7 @@
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
+#include "controls/KVIconServices.h"
 #include "controls/KVServicesBar.h"
 #include "controls/KVTableView.h"
 #include "controls/LocalizedText.h"
@@ -21,7 +22,7 @@ namespace corvalis {
 
 namespace {
 
-// Running applications are locked: their names are drawn light grey.
+// Running applications are locked: their names are drawn light grey, their policy with a lock.
 class RestorationRowsProxy : public ApplicationIconsProxy {
 public:
     using ApplicationIconsProxy::ApplicationIconsProxy;
@@ -29,9 +30,12 @@ public:
         if (role == Qt::ForegroundRole && index.column() == WindowRestorationController::ApplicationColumn &&
             QIdentityProxyModel::data(index, WindowRestorationController::RunningRole).toBool())
             return QApplication::palette().brush(QPalette::Disabled, QPalette::Text);
-        if (index.column() != WindowRestorationController::ApplicationColumn &&
-            (role == Qt::DecorationRole || role == ErrorCodeRole))
-            return {};
+        if (index.column() != WindowRestorationController::ApplicationColumn) {
+            // The lock beside a policy that cannot change while the application runs.
+            bool running = QIdentityProxyModel::data(index, WindowRestorationController::RunningRole).toBool();
+            if (role == Qt::DecorationRole && running) return KVIconServices::loadResource("Locked");
+            if (role == Qt::DecorationRole || role == ErrorCodeRole) return {};
+        }
         return ApplicationIconsProxy::data(index, role);
     }
 };
