@@ -151,10 +151,7 @@ void CustomApplicationsController::selectPaths(const std::vector<std::string>& p
 }
 
 void CustomApplicationsController::selectAndScroll(const std::vector<int>& rows) {
-    std::vector<EditorRow> selection;
-    for (int row : rows) selection.push_back({row});
-    _view.selectRows(selection);
-    if (!selection.empty()) _view.scrollRowToVisible(selection.front());
+    selectRowsAndScroll(_view, rows);
     selectionDidChange();
 }
 
@@ -225,10 +222,7 @@ void CustomApplicationsController::_updatePaths() {
 // Adding, changing and removing.
 
 void CustomApplicationsController::onAddApplication() {
-    EditorOpenPanel panel;
-    panel.prompt = LocalizedString("Add");
-    panel.allowedFileTypes = {"app", "desktop"};
-    panel.directory = _prefs.getOpenPanelPathForKey(keys::AddApplicationPath);
+    EditorOpenPanel panel = applicationPanel("Add", _prefs.getOpenPanelPathForKey(keys::AddApplicationPath));
     _view.pickFiles(panel, [this](std::vector<std::string> paths) {
         if (paths.empty()) return;
         _updatePaths();
@@ -291,10 +285,8 @@ void CustomApplicationsController::onChangeApplication(std::optional<int> clicke
     if (rows.size() != 1) return;
     std::string path = pathAt(rows.front());
     bool valid = IsValid(path);
-    EditorOpenPanel panel;
-    panel.prompt = LocalizedString(valid ? "Change" : "Fix");
-    panel.allowedFileTypes = {"app", "desktop"};
-    panel.directory = valid ? parentFolder(path) : _prefs.getOpenPanelPathForKey(keys::AddApplicationPath);
+    EditorOpenPanel panel = applicationPanel(
+        valid ? "Change" : "Fix", valid ? parentFolder(path) : _prefs.getOpenPanelPathForKey(keys::AddApplicationPath));
     _view.pickFiles(panel, [this, path](std::vector<std::string> paths) {
         if (paths.empty()) return;
         _updatePaths();

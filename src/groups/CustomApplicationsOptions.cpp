@@ -100,6 +100,14 @@ ArchitectureBoxes architectureBoxes(const LaunchOptions& options) {
     return boxes;
 }
 
+EditorOpenPanel applicationPanel(const char* prompt, const std::string& directory) {
+    EditorOpenPanel panel;
+    panel.prompt = LocalizedString(prompt);
+    panel.allowedFileTypes = {"app", "desktop"};
+    panel.directory = directory;
+    return panel;
+}
+
 std::string customApplicationToolTip(const plist::Value& record) {
     LaunchOptions options = LaunchOptions::fromDictionary(record[keys::Options]);
     std::string tip = record[keys::Path].stringOr("");

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "pane/EditorView.h"
 #include "plist/Value.h"
 
 namespace corvalis {
@@ -65,6 +66,10 @@ ArchitectureBoxes architectureBoxes(const LaunchOptions& options);
 // and which one to hide only while it is.
 inline bool dontActivateEnabled(const LaunchOptions& options) { return !options.hide; }
 inline bool hideWhatEnabled(const LaunchOptions& options) { return options.hide; }
+
+// The panel that picks one application (a bundle or a desktop entry), titled by `prompt`
+// ("Add", "Change", "Fix"), opening at `directory`.
+EditorOpenPanel applicationPanel(const char* prompt, const std::string& directory);
 
 // The tool tip of a record: its path, then one line per option that is on.
 std::string customApplicationToolTip(const plist::Value& record);

@@ -137,10 +137,7 @@ void WindowRestorationController::setSelectedObjectsWithIdentifiers(const std::v
 }
 
 void WindowRestorationController::selectAndScroll(const std::vector<int>& rows) {
-    std::vector<EditorRow> selection;
-    for (int row : rows) selection.push_back({row});
-    _view.selectRows(selection);
-    if (!selection.empty()) _view.scrollRowToVisible(selection.front());
+    selectRowsAndScroll(_view, rows);
     _view.selectionChanged();
 }
 
@@ -161,10 +158,7 @@ void WindowRestorationController::onShowInfo() {
 // Adding, changing and removing.
 
 void WindowRestorationController::onAddApplication() {
-    EditorOpenPanel panel;
-    panel.prompt = LocalizedString("Add");
-    panel.allowedFileTypes = {"app", "desktop"};
-    panel.directory = _prefs.getOpenPanelPathForKey(keys::AddApplicationPath);
+    EditorOpenPanel panel = applicationPanel("Add", _prefs.getOpenPanelPathForKey(keys::AddApplicationPath));
     _view.pickFiles(panel, [this](std::vector<std::string> paths) {
         if (!paths.empty()) addApplicationAtPath(paths.front());
     });

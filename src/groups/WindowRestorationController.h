@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "groups/CustomApplicationsOptions.h"
 #include "groups/KVWindowRestorationManager.h"
 #include "pane/EditorView.h"
 

@@ -60,4 +60,12 @@ public:
     virtual void revealPath(const std::string& path) = 0;
 };
 
+// Selects these rows of a one-level list and brings the first into view.
+inline void selectRowsAndScroll(EditorView& view, const std::vector<int>& rows) {
+    std::vector<EditorRow> selection;
+    for (int row : rows) selection.push_back({row});
+    view.selectRows(selection);
+    if (!selection.empty()) view.scrollRowToVisible(selection.front());
+}
+
 }  // namespace corvalis

@@ -20,15 +20,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct RecordingApplicationsView : test::RecordingView<CustomApplicationsView> {
-    std::vector<int> selection;
+struct RecordingApplicationsView : test::RecordingListView<CustomApplicationsView> {
     std::vector<OptionsViewState> shown;
-    void selectRows(const std::vector<EditorRow>& rows) override {
-        RecordingView::selectRows(rows);
-        selection.clear();
-        for (const EditorRow& row : rows) selection.push_back(row.row);
-    }
-    std::vector<int> selectedRows() const override { return selection; }
     void showOptions(OptionsViewState state) override { shown.push_back(state); }
 };
 

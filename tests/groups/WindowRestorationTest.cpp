@@ -20,14 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct RecordingRestorationView : test::RecordingView<WindowRestorationView> {
-    std::vector<int> selection;
-    void selectRows(const std::vector<EditorRow>& rows) override {
-        RecordingView::selectRows(rows);
-        selection.clear();
-        for (const EditorRow& row : rows) selection.push_back(row.row);
-    }
-    std::vector<int> selectedRows() const override { return selection; }
+struct RecordingRestorationView : test::RecordingListView<WindowRestorationView> {
     void selectionChanged() override {}
 };
 

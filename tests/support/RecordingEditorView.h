@@ -55,4 +55,18 @@ public:
 
 using RecordingEditorView = RecordingView<>;
 
+// A recording view of a one-level list that keeps the selection it was given, for
+// views whose controller asks for the selected rows.
+template <class View>
+class RecordingListView : public RecordingView<View> {
+public:
+    std::vector<int> selection;
+    void selectRows(const std::vector<EditorRow>& rows) override {
+        RecordingView<View>::selectRows(rows);
+        selection.clear();
+        for (const EditorRow& row : rows) selection.push_back(row.row);
+    }
+    std::vector<int> selectedRows() const { return selection; }
+};
+
 }  // namespace corvalis::test

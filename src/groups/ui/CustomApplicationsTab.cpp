@@ -15,7 +15,6 @@
 #include "controls/KVServicesBar.h"
 #include "controls/KVTableView.h"
 #include "controls/LocalizedText.h"
-#include "groups/ui/CustomApplicationsIcons.h"
 #include "pane/ApplicationsBrowserLink.h"
 #include "pane/PaneControllers.h"
 #include "pane/ui/CorvalisPane.h"
@@ -46,7 +45,8 @@ QCheckBox* optionBox(const char* text, const char* option, QWidget* parent) {
 
 CustomApplicationsTab::CustomApplicationsTab(CorvalisPreferences& prefs, NotificationCenter& distributed, QWidget* page,
                                              QWidget* window, ApplicationArchitectures architectures, QObject* parent)
-    : QObject(parent), QtEditorView(window ? window : page->window()) {
+    : QObject(parent),
+      ApplicationListView(window ? window : page->window(), [this](bool shown) { controller_->setSheetShown(shown); }) {
     content_ = new QWidget(page);
     auto* pageLayout = page->layout() ? page->layout() : new QVBoxLayout(page);
     pageLayout->addWidget(content_);
@@ -156,14 +156,6 @@ std::unique_ptr<CustomApplicationsTab> CustomApplicationsTab::create(ComKestrova
     return tab;
 }
 
-std::vector<int> CustomApplicationsTab::selectedRows() const {
-    std::vector<int> rows;
-    if (!table_->selectionModel()) return rows;
-    for (const QModelIndex& index : table_->selectionModel()->selectedRows()) rows.push_back(index.row());
-    std::sort(rows.begin(), rows.end());
-    return rows;
-}
-
 QCheckBox* CustomApplicationsTab::box(const char* option) const {
     return optionsViewer_->findChild<QCheckBox*>(QString::fromLatin1(option));
 }
@@ -220,25 +212,6 @@ void CustomApplicationsTab::updateActionMenu() {
     changeAction_->setText(localized(title.value_or("ChangeApplication1").c_str()));
     changeAction_->setEnabled(title.has_value());
     infoAction_->setText(localized(controller_->showInfo() ? "HideInfoTags" : "ShowInfoTags"));
-}
-
-void CustomApplicationsTab::ask(const EditorAlert& alert, std::function<void(int button)> answer) {
-    ++sheets_;
-    controller_->setSheetShown(true);
-    QtEditorView::ask(alert, [this, answer = std::move(answer)](int button) {
-        controller_->setSheetShown(--sheets_ > 0);
-        if (answer) answer(button);
-    });
-}
-
-void CustomApplicationsTab::pickFiles(const EditorOpenPanel& panel,
-                                      std::function<void(std::vector<std::string>)> picked) {
-    ++sheets_;
-    controller_->setSheetShown(true);
-    QtEditorView::pickFiles(panel, [this, picked = std::move(picked)](std::vector<std::string> paths) {
-        controller_->setSheetShown(--sheets_ > 0);
-        if (picked) picked(std::move(paths));
-    });
 }
 
 bool CustomApplicationsTab::eventFilter(QObject* watched, QEvent* event) {

@@ -7,8 +7,8 @@
 #include <QPointer>
 #include <memory>
 
-#include "controls/QtEditorView.h"
 #include "groups/CustomApplicationsController.h"
+#include "groups/ui/CustomApplicationsLists.h"
 #include "pane/PaneController.h"
 
 class QAction;
@@ -28,7 +28,7 @@ class KVTableView;
 class CustomApplicationsTab : public QObject,
                               public PaneController,
                               public CustomApplicationsView,
-                              public QtEditorView {
+                              public ApplicationListView {
     Q_OBJECT
 
 public:
@@ -43,10 +43,8 @@ public:
     void windowDidBecomeMain() override { controller_->windowDidBecomeMain(); }
     void updatePane(std::string& report) override { controller_->updatePane(report); }
 
-    std::vector<int> selectedRows() const override;
+    std::vector<int> selectedRows() const override { return selectedRowNumbers(); }
     void showOptions(OptionsViewState state) override;
-    void ask(const EditorAlert& alert, std::function<void(int button)> answer) override;
-    void pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string>)> picked) override;
 
     CustomApplicationsController& controller() { return *controller_; }
     KVTableView* table() const { return table_; }
@@ -84,7 +82,6 @@ private:
     QCheckBox* openIn32BitMode_ = nullptr;
     QCheckBox* openInRosetta_ = nullptr;
     std::function<void()> browse_;
-    int sheets_ = 0;  // sheets open over the window: drops wait
     bool showing_ = false;
 };
 

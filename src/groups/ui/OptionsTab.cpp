@@ -48,16 +48,39 @@ QComboBox* popUp(const char* name, std::initializer_list<const char*> items, QWi
     return combo;
 }
 
-QLabel* labelFor(const char* text, QWidget* control, QWidget* parent) {
-    auto* label = new QLabel(localized(text), parent);
-    label->setBuddy(control);
-    return label;
-}
-
 QCheckBox* checkBox(const char* text, QWidget* parent) {
     auto* box = new QCheckBox(localized(text), parent);
     box->setAccessibleName(box->text().remove('&'));
     return box;
+}
+
+// A pop-up with its label on the next row of `grid`; the label names it for screen readers.
+QComboBox* addPopUpRow(QGridLayout* grid, const char* name, std::initializer_list<const char*> items, QLabel** label) {
+    QWidget* parent = grid->parentWidget();
+    QComboBox* combo = popUp(name, items, parent);
+    *label = new QLabel(localized(name), parent);
+    (*label)->setBuddy(combo);
+    int row = grid->rowCount();
+    grid->addWidget(*label, row, 0);
+    grid->addWidget(combo, row, 1);
+    return combo;
+}
+
+// A titled box whose first row is its switch, with the box's configure button (if any) at the right.
+QGridLayout* section(const char* title, QCheckBox** toggle, const char* toggleText, QPushButton** configure,
+                     const char* configureName, QWidget* parent) {
+    auto* box = new QGroupBox(localized(title), parent);
+    parent->layout()->addWidget(box);
+    auto* grid = new QGridLayout(box);
+    *toggle = checkBox(toggleText, box);
+    grid->addWidget(*toggle, 0, 0, 1, 2);
+    if (configure) {
+        *configure = new QPushButton(localized("ConfigureButtons"), box);
+        (*configure)->setAccessibleName(localized(configureName));
+        grid->addWidget(*configure, 0, 2, Qt::AlignRight);
+    }
+    grid->setColumnStretch(2, 1);
+    return grid;
 }
 
 }  // namespace
@@ -72,53 +95,25 @@ OptionsTab::OptionsTab(CorvalisPreferences& prefs, NotificationCenter& distribut
     pageLayout->addWidget(content);
     auto* layout = new QVBoxLayout(content);
 
-    auto* panelBox = new QGroupBox(localized("MenuPanel"), content);
-    auto* panel = new QGridLayout(panelBox);
-    showPanel_ = checkBox("ShowMenuPanel", panelBox);
-    panelPosition_ = popUp("PanelPositionLabel", {"PanelTop", "PanelLeft", "PanelBottom", "PanelRight"}, panelBox);
-    panelPositionLabel_ = labelFor("PanelPositionLabel", panelPosition_, panelBox);
-    panelSize_ = popUp("PanelSizeLabel", {"PanelSmall", "PanelMedium", "PanelLarge"}, panelBox);
-    panelSizeLabel_ = labelFor("PanelSizeLabel", panelSize_, panelBox);
-    autoHidePanel_ = checkBox("AutoHidePanel", panelBox);
-    configurePanel_ = new QPushButton(localized("ConfigureButtons"), panelBox);
-    configurePanel_->setAccessibleName(localized("ConfigurePanelButtons"));
-    panel->addWidget(showPanel_, 0, 0, 1, 2);
-    panel->addWidget(configurePanel_, 0, 2, Qt::AlignRight);
-    panel->addWidget(panelPositionLabel_, 1, 0);
-    panel->addWidget(panelPosition_, 1, 1);
-    panel->addWidget(panelSizeLabel_, 2, 0);
-    panel->addWidget(panelSize_, 2, 1);
-    panel->addWidget(autoHidePanel_, 3, 1, 1, 2);
-    panel->setColumnStretch(2, 1);
-    layout->addWidget(panelBox);
+    QGridLayout* panel = section("MenuPanel", &showPanel_, "ShowMenuPanel", &configurePanel_, "ConfigurePanelButtons", content);
+    panelPosition_ = addPopUpRow(panel, "PanelPositionLabel", {"PanelTop", "PanelLeft", "PanelBottom", "PanelRight"},
+                                 &panelPositionLabel_);
+    panelSize_ = addPopUpRow(panel, "PanelSizeLabel", {"PanelSmall", "PanelMedium", "PanelLarge"}, &panelSizeLabel_);
+    autoHidePanel_ = checkBox("AutoHidePanel", panel->parentWidget());
+    panel->addWidget(autoHidePanel_, panel->rowCount(), 1, 1, 2);
 
-    auto* statusBox = new QGroupBox(localized("StatusItem"), content);
-    auto* status = new QGridLayout(statusBox);
-    showStatusItem_ = checkBox("ShowStatusItem", statusBox);
-    statusItemPosition_ = popUp("StatusItemPositionLabel", {"StatusItemLeft", "StatusItemRight"}, statusBox);
-    statusItemPositionLabel_ = labelFor("StatusItemPositionLabel", statusItemPosition_, statusBox);
-    configureStatusItem_ = new QPushButton(localized("ConfigureButtons"), statusBox);
-    configureStatusItem_->setAccessibleName(localized("ConfigureStatusItemButtons"));
-    status->addWidget(showStatusItem_, 0, 0, 1, 2);
-    status->addWidget(configureStatusItem_, 0, 2, Qt::AlignRight);
-    status->addWidget(statusItemPositionLabel_, 1, 0);
-    status->addWidget(statusItemPosition_, 1, 1);
-    status->setColumnStretch(2, 1);
+    QGridLayout* status = section("StatusItem", &showStatusItem_, "ShowStatusItem", &configureStatusItem_,
+                                  "ConfigureStatusItemButtons", content);
+    statusItemPosition_ = addPopUpRow(status, "StatusItemPositionLabel", {"StatusItemLeft", "StatusItemRight"},
+                                      &statusItemPositionLabel_);
     // Only where applications can place their status item; elsewhere the layout closes up.
     statusItemPositionLabel_->setVisible(OptionsController::statusItemPositionShown());
     statusItemPosition_->setVisible(OptionsController::statusItemPositionShown());
-    layout->addWidget(statusBox);
 
-    auto* singleBox = new QGroupBox(localized("SingleApplicationMode"), content);
-    auto* single = new QGridLayout(singleBox);
-    singleAppMode_ = checkBox("TurnOnSingleApplicationMode", singleBox);
-    turnOffAction_ = popUp("TurnOffSingleAppModeLabel", {"ShowAllApplications", "KeepOthersHidden"}, singleBox);
-    turnOffActionLabel_ = labelFor("TurnOffSingleAppModeLabel", turnOffAction_, singleBox);
-    single->addWidget(singleAppMode_, 0, 0, 1, 2);
-    single->addWidget(turnOffActionLabel_, 1, 0);
-    single->addWidget(turnOffAction_, 1, 1);
-    single->setColumnStretch(2, 1);
-    layout->addWidget(singleBox);
+    QGridLayout* single = section("SingleApplicationMode", &singleAppMode_, "TurnOnSingleApplicationMode", nullptr,
+                                  nullptr, content);
+    turnOffAction_ = addPopUpRow(single, "TurnOffSingleAppModeLabel", {"ShowAllApplications", "KeepOthersHidden"},
+                                 &turnOffActionLabel_);
     layout->addStretch(1);
 
     auto whenUser = [this](auto action) {

@@ -9,10 +9,10 @@
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
+#include "controls/KVIconServices.h"
 #include "controls/KVServicesBar.h"
 #include "controls/KVTableView.h"
 #include "controls/LocalizedText.h"
-#include "groups/ui/CustomApplicationsIcons.h"
 #include "pane/ApplicationsBrowserLink.h"
 #include "pane/PaneControllers.h"
 #include "pane/ui/CorvalisPane.h"
@@ -22,7 +22,7 @@ namespace corvalis {
 
 namespace {
 
-// Running applications are locked: their names are drawn light grey.
+// Running applications are locked: their names are drawn light grey, their policy with a lock.
 class RestorationRowsProxy : public ApplicationIconsProxy {
 public:
     using ApplicationIconsProxy::ApplicationIconsProxy;
@@ -30,9 +30,12 @@ public:
         if (role == Qt::ForegroundRole && index.column() == WindowRestorationController::ApplicationColumn &&
             QIdentityProxyModel::data(index, WindowRestorationController::RunningRole).toBool())
             return QApplication::palette().brush(QPalette::Disabled, QPalette::Text);
-        if (index.column() != WindowRestorationController::ApplicationColumn &&
-            (role == Qt::DecorationRole || role == ErrorCodeRole))
-            return {};
+        if (index.column() != WindowRestorationController::ApplicationColumn) {
+            // The lock beside a policy that cannot change while the application runs.
+            bool running = QIdentityProxyModel::data(index, WindowRestorationController::RunningRole).toBool();
+            if (role == Qt::DecorationRole && running) return KVIconServices::loadResource("Locked");
+            if (role == Qt::DecorationRole || role == ErrorCodeRole) return {};
+        }
         return ApplicationIconsProxy::data(index, role);
     }
 };
@@ -61,7 +64,8 @@ WindowRestorationTab::WindowRestorationTab(CorvalisPreferences& prefs, const Wor
                                            RunningApplications& running, WindowRestorationFolders folders,
                                            QWidget* page, QWidget* window, QObject* parent)
     : QObject(parent),
-      QtEditorView(window ? window : page->window()),
+      ApplicationListView(window ? window : page->window(),
+                          [this](bool shown) { controller_->setSheetShown(shown); }),
       manager_(std::make_unique<KVWindowRestorationManager>(workspace, running, std::move(folders))) {
     controller_ = std::make_unique<WindowRestorationController>(prefs, *manager_, running, *this);
     content_ = new QWidget(page);
@@ -136,35 +140,8 @@ std::unique_ptr<WindowRestorationTab> WindowRestorationTab::create(ComKestrovaCo
     return tab;
 }
 
-std::vector<int> WindowRestorationTab::selectedRows() const {
-    std::vector<int> rows;
-    if (!table_->selectionModel()) return rows;
-    for (const QModelIndex& index : table_->selectionModel()->selectedRows()) rows.push_back(index.row());
-    std::sort(rows.begin(), rows.end());
-    return rows;
-}
-
 void WindowRestorationTab::selectionChanged() {
     bar_->removeButton()->setEnabled(controller_->selectionContainsAtLeastOneClosedApplication());
-}
-
-void WindowRestorationTab::sheetOpened() { controller_->setSheetShown(++sheets_ > 0); }
-void WindowRestorationTab::sheetClosed() { controller_->setSheetShown(--sheets_ > 0); }
-
-void WindowRestorationTab::ask(const EditorAlert& alert, std::function<void(int button)> answer) {
-    sheetOpened();
-    QtEditorView::ask(alert, [this, answer = std::move(answer)](int button) {
-        sheetClosed();
-        if (answer) answer(button);
-    });
-}
-
-void WindowRestorationTab::pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string>)> picked) {
-    sheetOpened();
-    QtEditorView::pickFiles(panel, [this, picked = std::move(picked)](std::vector<std::string> paths) {
-        sheetClosed();
-        if (picked) picked(std::move(paths));
-    });
 }
 
 bool WindowRestorationTab::eventFilter(QObject* watched, QEvent* event) {

@@ -7,8 +7,8 @@
 #include <QPointer>
 #include <memory>
 
-#include "controls/QtEditorView.h"
 #include "groups/WindowRestorationController.h"
+#include "groups/ui/CustomApplicationsLists.h"
 #include "pane/PaneController.h"
 
 class QAction;
@@ -20,7 +20,7 @@ class ComKestrovaCorvalis_PrefsPane;
 class KVServicesBar;
 class KVTableView;
 
-class WindowRestorationTab : public QObject, public PaneController, public WindowRestorationView, public QtEditorView {
+class WindowRestorationTab : public QObject, public PaneController, public WindowRestorationView, public ApplicationListView {
     Q_OBJECT
 
 public:
@@ -34,10 +34,8 @@ public:
     void willHidePane() override { controller_->willHidePane(); }
     void windowDidBecomeMain() override { controller_->windowDidBecomeMain(); }
 
-    std::vector<int> selectedRows() const override;
+    std::vector<int> selectedRows() const override { return selectedRowNumbers(); }
     void selectionChanged() override;
-    void ask(const EditorAlert& alert, std::function<void(int button)> answer) override;
-    void pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string>)> picked) override;
 
     WindowRestorationController& controller() { return *controller_; }
     KVWindowRestorationManager& manager() { return *manager_; }
@@ -47,8 +45,6 @@ public:
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void sheetOpened();
-    void sheetClosed();
 
     std::unique_ptr<KVWindowRestorationManager> manager_;
     std::unique_ptr<WindowRestorationController> controller_;
@@ -57,7 +53,6 @@ private:
     KVServicesBar* bar_ = nullptr;
     QAction* infoAction_ = nullptr;
     std::function<void()> browse_;
-    int sheets_ = 0;
 };
 
 }  // namespace corvalis

@@ -1,0 +1,101 @@
+// The Applications tab's path refresh over 1,000 custom applications (each a
+// desktop entry on disk), beside a bare stat(2) of the same paths: the floor of
+// any check that a file is still there. Usage: corvalis-bench-custom-apps [benchmark flags]
+
+#include <benchmark/benchmark.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "fileutils/AliasResolution.h"
+#include "groups/CustomApplicationsController.h"
+#include "platform/FileDomainStore.h"
+#include "platform/InProcessNotificationCenter.h"
+#include "prefs/CorvalisPreferences.h"
+#include "schema/PreferenceKeys.h"
+
+namespace fs = std::filesystem;
+using namespace corvalis;
+
+namespace {
+
+constexpr int kApplications = 1000;
+
+fs::path gWork;
+std::vector<std::string> gPaths;
+
+// The controller's questions answered by nobody: nothing is selected or shown.
+class NoView : public CustomApplicationsView {
+public:
+    void selectRows(const std::vector<EditorRow>&) override {}
+    void scrollRowToVisible(const EditorRow&) override {}
+    void expandGroup(int) override {}
+    void editName(const EditorRow&) override {}
+    void endEditing() override {}
+    void beep() override {}
+    void ask(const EditorAlert&, std::function<void(int)>) override {}
+    void pickFiles(const EditorOpenPanel&, std::function<void(std::vector<std::string>)>) override {}
+    void revealPath(const std::string&) override {}
+    std::vector<int> selectedRows() const override { return {}; }
+    void showOptions(OptionsViewState) override {}
+};
+
+void makeData() {
+    plist::Array records;
+    for (int n = 0; n < kApplications; ++n) {
+        std::string path = (gWork / "apps" / ("app" + std::to_string(n) + ".desktop")).string();
+        fs::create_directories(gWork / "apps");
+        std::ofstream(path) << "[Desktop Entry]\nType=Application\nName=Application " << n << "\nExec=true\n";
+        gPaths.push_back(path);
+        records.append(plist::Dictionary{{keys::Name, "Application " + std::to_string(n)},
+                                         {keys::Path, path},
+                                         {keys::AliasData, AliasData(path).value_or(plist::Data())},
+                                         {keys::Options, plist::Dictionary{}}});
+    }
+    FileDomainStore domains(gWork / "prefs");
+    domains.setPersistentDomain(plist::Dictionary{{keys::CustomApplications, records}}, "com.kestrova.Corvalis");
+    domains.synchronize("com.kestrova.Corvalis");
+}
+
+void CustomApplicationsPathRefresh(benchmark::State& state) {
+    FileDomainStore domains(gWork / "prefs");
+    InProcessNotificationCenter bus;
+    CorvalisPreferences prefs(domains, bus);
+    prefs.loadPreferences();
+    NoView view;
+    CustomApplicationsController controller(prefs, bus, view,
+                                            {[](const std::string&) { return false; }, [](const std::string&) { return false; }});
+    controller.initializePane(true);
+    controller._updatePaths();  // the first one also normalises every entry's options
+    for (auto _ : state) controller._updatePaths();
+    state.counters["entries"] = controller.rowCount();
+}
+
+void StatSamePaths(benchmark::State& state) {
+    for (auto _ : state) {
+        int found = 0;
+        struct stat info {};
+        for (const std::string& path : gPaths) found += ::stat(path.c_str(), &info) == 0;
+        benchmark::DoNotOptimize(found);
+    }
+}
+
+}  // namespace
+
+BENCHMARK(CustomApplicationsPathRefresh)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(StatSamePaths)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+
+int main(int argc, char** argv) {
+    char pattern[] = "/tmp/corvalis-bench-custom-apps-XXXXXX";
+    gWork = mkdtemp(pattern);
+    setenv("CORVALIS_PREFERENCES_DIR", (gWork / "prefs").c_str(), 1);
+    makeData();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    fs::remove_all(gWork);
+}
