@@ -44,6 +44,8 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
     table_->horizontalHeader()->hide();
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->verticalHeader()->hide();
+    // Separator rows are thinner than the others.
+    table_->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     table_->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
     table_->setTabKeyNavigation(false);

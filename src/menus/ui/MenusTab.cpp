@@ -43,10 +43,10 @@ bool startDetached(const QString& program, const QStringList& arguments) {
 
 template <class Editor, class Page>
 void MenusTab::addEditor(const std::string& identifier, std::unique_ptr<Editor> editor) {
-    Editor& model = *editor;
-    controller_->addEditor(identifier, model);
+    Editor* model = editor.get();
+    controller_->addEditor(identifier, *model);
     editors_.push_back(std::move(editor));
-    pages_.push_back({identifier, [&model](QWidget* sheet) -> QWidget* { return new Page(model, sheet); }});
+    pages_.push_back({identifier, [model](QWidget* sheet) -> QWidget* { return new Page(*model, sheet); }});
 }
 
 MenusTab::MenusTab(const MenusTabContext& context, QWidget* page, QWidget* window, QObject* parent)
@@ -166,9 +166,6 @@ void MenusTab::buildPage(QWidget* page) {
     hotKeysTable_->setAccessibleName(localized("MenuHotKeys"));
     hotKeysTable_->installEventFilter(this);
     controller_->setTable(static_cast<QWidget*>(hotKeysTable_.data()));
-    // Four rows and no more: the table is as tall as they are.
-    hotKeysTable_->setFixedHeight(header->sizeHint().height() +
-                                  MenusController::kHotKeyRows * hotKeysTable_->verticalHeader()->defaultSectionSize() + 4);
     hotKeysLayout->addWidget(hotKeysTable_);
     layout->addWidget(hotKeys);
 
@@ -207,6 +204,10 @@ void MenusTab::initializePane(bool firstTime) {
     controller_->initializePane(firstTime);
     showOptions();
     hotKeysModel_->reload();
+    // Four rows and no more: the table is as tall as they are. Measured only now, as the
+    // header's size asks the rows for their contents, which the settings must be loaded for.
+    hotKeysTable_->setFixedHeight(hotKeysTable_->horizontalHeader()->sizeHint().height() +
+                                  MenusController::kHotKeyRows * hotKeysTable_->verticalHeader()->defaultSectionSize() + 4);
     hotKeysTable_->clearSelection();
     hotKeysTable_->scrollToTop();
     if (menusSheet_)

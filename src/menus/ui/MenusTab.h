@@ -100,7 +100,8 @@ private:
     QPointer<ConfigureMenusSheet> menusSheet_;
     QPointer<ConfigurePreviewsSheet> previewsSheet_;
     Launcher launcher_;
-    bool showing_ = false;
+    // Until the settings are shown the boxes store nothing (they are not even loaded yet).
+    bool showing_ = true;
 };
 
 }  // namespace corvalis
