@@ -14,6 +14,7 @@
 
 #include "controls/KVTableView.h"
 #include "controls/LocalizedText.h"
+#include "fileutils/KVOperatingSystem.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
 #include "keys/ui/KeyCombinationTableKeys.h"
@@ -110,7 +111,8 @@ void MenusTab::buildPage(QWidget* page) {
     }
     layout->addLayout(options);
 
-    auto* termination = new QGroupBox(localized("AutomaticTermination"), content_);
+    termination_ = new QGroupBox(localized("AutomaticTermination"), content_);
+    QGroupBox* termination = termination_;
     auto* terminationLayout = new QHBoxLayout(termination);
     includeTerminated_ = new QCheckBox(localized("IncludeTerminatedApplications"), termination);
     where_ = new QComboBox(termination);
@@ -203,6 +205,8 @@ void MenusTab::showOptions() {
 void MenusTab::initializePane(bool firstTime) {
     controller_->initializePane(firstTime);
     showOptions();
+    // Systems before 10.7 quit no applications by themselves.
+    termination_->setVisible(KVOperatingSystem::is10_7orLater());
     hotKeysModel_->reload();
     // Four rows and no more: the table is as tall as they are. Measured only now, as the
     // header's size asks the rows for their contents, which the settings must be loaded for.

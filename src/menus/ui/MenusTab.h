@@ -19,6 +19,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QGroupBox;
 class QPushButton;
 
 namespace corvalis {
@@ -91,6 +92,7 @@ private:
     std::vector<ConfigureMenusSheet::Page> pages_;
     QPointer<QWidget> content_;
     std::vector<std::pair<const char*, QCheckBox*>> options_;
+    QGroupBox* termination_ = nullptr;
     QCheckBox* includeTerminated_ = nullptr;
     QComboBox* where_ = nullptr;
     QPointer<KVTableView> hotKeysTable_;
