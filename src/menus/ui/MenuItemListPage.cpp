@@ -1,6 +1,8 @@
 #include "menus/ui/MenuItemListPage.h"
 
+#include <QApplication>
 #include <QHeaderView>
+#include <QStyle>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QTimer>
@@ -21,17 +23,18 @@ constexpr int kEditDelayMs = 100;
 
 QVariant menuItemIcon(const std::string& path, const std::string& kind) {
     if (!path.empty()) return KVIconServices::sharedIcons().iconForPath(QString::fromStdString(path), nullptr);
-    static const std::map<std::string, const char*> themeNames{
-        {items::Groups, "folder"},
-        {items::DockApplications, "user-desktop"},
-        {items::RecentApplications, "document-open-recent"},
-        {items::ApplicationsFolder, "folder"},
-        {items::DeveloperApplicationsFolder, "folder"},
-        {items::SystemPreferences, "preferences-system"},
+    // The theme's image, else the style's own, so that every kind has one.
+    static const std::map<std::string, std::pair<const char*, QStyle::StandardPixmap>> images{
+        {items::Groups, {"folder", QStyle::SP_DirIcon}},
+        {items::DockApplications, {"user-desktop", QStyle::SP_DesktopIcon}},
+        {items::RecentApplications, {"document-open-recent", QStyle::SP_FileDialogContentsView}},
+        {items::ApplicationsFolder, {"folder", QStyle::SP_DirIcon}},
+        {items::DeveloperApplicationsFolder, {"folder", QStyle::SP_DirIcon}},
+        {items::SystemPreferences, {"preferences-system", QStyle::SP_ComputerIcon}},
     };
-    auto found = themeNames.find(kind);
-    if (found == themeNames.end()) return {};
-    return QIcon::fromTheme(found->second);
+    auto found = images.find(kind);
+    if (found == images.end()) return {};
+    return QIcon::fromTheme(found->second.first, QApplication::style()->standardIcon(found->second.second));
 }
 
 MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tableName, QWidget* sheet, QWidget* parent)
@@ -74,6 +77,8 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
 
     model_.setView(this);
     model_.setIconProvider(&menuItemIcon);
+    // The editor chose its first row before there was a table to show it.
+    if (model_.rowCount() > 0) selectRows({EditorRow{0}});
     // The menus are built for the pull-downs at once, so the keyboard finds them too.
     rebuildAddMenu();
     rebuildActionsMenu();
