@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QTimer>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include "controls/KVIconServices.h"
@@ -19,6 +20,9 @@ namespace corvalis {
 
 namespace {
 constexpr int kEditDelayMs = 100;
+// The room a row's icon takes before its name, and the margin after the name.
+constexpr int kIconAndGap = 19;
+constexpr int kTextMargin = 3;
 }  // namespace
 
 QVariant menuItemIcon(const std::string& path, const std::string& kind) {
@@ -59,6 +63,7 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
     table_->setDragDropOverwriteMode(false);
     table_->setDropIndicatorShown(true);
     table_->installEventFilter(this);
+    table_->viewport()->installEventFilter(this);
     layout_->addWidget(table_, 1);
 
     bar_ = new KVServicesBar(this);
@@ -88,7 +93,10 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
 MenuItemListPage::~MenuItemListPage() {
     model_.setView(nullptr);
     model_.setIconProvider({});
-    if (table_) table_->removeEventFilter(this);
+    if (table_) {
+        table_->removeEventFilter(this);
+        table_->viewport()->removeEventFilter(this);
+    }
 }
 
 std::vector<int> MenuItemListPage::selectedRows() const {
@@ -142,6 +150,21 @@ bool MenuItemListPage::eventFilter(QObject* watched, QEvent* event) {
             table_->edit(table_->currentIndex());
             return true;
         }
+    }
+    // A row's path shows only while the pointer is over its name (and icon), not the empty rest of the row.
+    if (table_ && watched == table_->viewport() && event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        QModelIndex index = table_->indexAt(help->pos());
+        QString tip = index.data(Qt::ToolTipRole).toString();
+        QRect cell = table_->visualRect(index);
+        int iconWidth = index.data(Qt::DecorationRole).isValid() ? kIconAndGap : 0;
+        int textWidth = table_->fontMetrics().horizontalAdvance(index.data().toString());
+        cell.setWidth(std::min(cell.width(), textWidth + iconWidth + kTextMargin));
+        if (!tip.isEmpty() && cell.contains(help->pos()))
+            QToolTip::showText(help->globalPos(), tip, table_->viewport(), cell);
+        else
+            QToolTip::hideText();
+        return true;
     }
     return QWidget::eventFilter(watched, event);
 }
