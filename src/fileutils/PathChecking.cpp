@@ -7,6 +7,9 @@
 #include <cstdlib>
 #include <memory>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "fileutils/AliasResolution.h"
 #include "fileutils/DisplayNames.h"
 #include "fileutils/PathLimits.h"
@@ -24,7 +27,21 @@ constexpr const char* kAddressBookIdentifier = "com.apple.AddressBook";
 constexpr const char* kDeveloperApplicationsFolder = "/Developer/Applications/";
 
 // The file's own path: links and "." or ".." resolved, as the file system spells it.
+// The kernel names an open file in three calls whatever the depth, where realpath
+// looks at every component; realpath remains for a system without /proc.
 std::optional<std::string> canonicalPath(const std::string& path) {
+    int fd = ::open(path.c_str(), O_PATH | O_CLOEXEC);
+    if (fd >= 0) {
+        char link[PATH_MAX];
+        std::string self = "/proc/self/fd/" + std::to_string(fd);
+        ssize_t length = ::readlink(self.c_str(), link, sizeof link);
+        ::close(fd);
+        if (length > 0 && length < static_cast<ssize_t>(sizeof link) && link[0] == '/') {
+            std::string canonical(link, static_cast<std::size_t>(length));
+            if (!isPathWithinLimit(canonical)) return std::nullopt;
+            return canonical;
+        }
+    }
     std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
     if (!real || !isPathWithinLimit(real.get())) return std::nullopt;
     return std::string(real.get());
@@ -43,8 +60,8 @@ struct Reference {
 bool check(const Reference& reference, const Workspace& workspace) {
     const std::string& path = reference.path;
     if (!isPathWithinLimit(path)) return false;
-    if (fileExistsAtPath(path)) {
-        auto canonical = canonicalPath(path);
+    // Naming the file answers whether it exists too; only a failure needs a second look.
+    if (auto canonical = canonicalPath(path); canonical || fileExistsAtPath(path)) {
         if (!canonical) return false;
         bool changed = *canonical != path;
         if (changed) {

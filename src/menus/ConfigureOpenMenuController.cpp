@@ -74,8 +74,9 @@ ConfigureOpenMenuController::ConfigureOpenMenuController(CorvalisPreferences& pr
       _browser(std::move(browser)) {}
 
 ConfigureOpenMenuController::~ConfigureOpenMenuController() {
-    _distributed.removeObserver(_observers.empty() ? 0 : _observers[0]);
-    if (_observers.size() > 1) _local.removeObserver(_observers[1]);
+    if (_observers.size() != 2) return;  // never initialized: nothing observed
+    _distributed.removeObserver(_observers[0]);
+    _local.removeObserver(_observers[1]);
 }
 
 void ConfigureOpenMenuController::initializePane(bool firstTime) {

@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QSet>
 #include <QTest>
+#include <QToolButton>
 #include <QTreeView>
 
 #include "pane/ApplicationsBrowserLink.h"
@@ -121,4 +122,31 @@ TEST(Accessibility, GroupsOutlineIsATreeAndTheIconMenuNamesItsColours) {
         for (int i = 0; i < menu->count(); ++i) colours << menu->itemText(i);
     for (const char* colour : {"Red", "Orange", "Yellow", "Green", "Blue", "Purple", "Gray"})
         EXPECT_TRUE(colours.contains(colour)) << colour;
+}
+
+// The Menus tab's sheets are walked above with the other views; here what their lists offer a screen reader.
+TEST(Accessibility, MenuSheetsNameTheirListButtonsAndShowTheirRows) {
+    test::TempDir dir;
+    setenv("CORVALIS_PREFERENCES_DIR", (dir / "prefs").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (dir / "config").c_str(), 1);
+    QMainWindow window;
+    ComKestrovaCorvalis_PrefsPane pane(&window);
+    window.setCentralWidget(pane.loadMainView());
+    window.show();
+    ASSERT_TRUE(pane.screenshotViews().contains("sheet-configure-menus"));
+    ASSERT_TRUE(pane.screenshotViews().contains("sheet-configure-previews"));
+    ASSERT_TRUE(pane.showScreenshotView("sheet-configure-menus"));
+    QDialog* sheet = pane.attachedSheet();
+    ASSERT_TRUE(sheet);
+    QStringList buttons;
+    for (QToolButton* button : sheet->findChildren<QToolButton*>())
+        if (button->isVisible()) buttons << button->accessibleName();
+    EXPECT_EQ(buttons, (QStringList{"Add", "Remove", "Actions"}));
+    auto* list = sheet->findChild<QAbstractItemView*>();
+    ASSERT_TRUE(list);
+    QAccessibleInterface* table = QAccessible::queryAccessibleInterface(list);
+    ASSERT_TRUE(table && table->tableInterface());
+    EXPECT_EQ(table->tableInterface()->rowCount(), list->model()->rowCount());
+    EXPECT_GT(table->tableInterface()->rowCount(), 0);
+    sheet->done(0);
 }

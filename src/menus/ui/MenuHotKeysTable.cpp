@@ -13,7 +13,7 @@ MenuHotKeysTableModel::MenuHotKeysTableModel(MenusController& controller, Colour
     : QAbstractTableModel(parent), controller_(controller), colour_(std::move(colour)) {}
 
 int MenuHotKeysTableModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : MenusController::kHotKeyRows;
+    return parent.isValid() ? 0 : rows_;
 }
 
 int MenuHotKeysTableModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
@@ -23,7 +23,7 @@ QString MenuHotKeysTableModel::positionName(int position) {
 }
 
 QVariant MenuHotKeysTableModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid()) return {};
+    if (!index.isValid() || index.row() >= rows_) return {};
     int row = index.row();
     QString menu = localized(MenusController::menuNameKey(row));
     bool enabled = controller_.hotKeyEnabled(row);
@@ -93,7 +93,15 @@ QVariant MenuHotKeysTableModel::headerData(int section, Qt::Orientation orientat
     return section >= 0 && section < ColumnCount ? localized(titles[section]) : QVariant();
 }
 
-void MenuHotKeysTableModel::reload() { emit dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1)); }
+void MenuHotKeysTableModel::reload() {
+    if (rows_ == 0) {
+        beginResetModel();
+        rows_ = MenusController::kHotKeyRows;
+        endResetModel();
+        return;
+    }
+    emit dataChanged(index(0, 0), index(rows_ - 1, ColumnCount - 1));
+}
 
 QWidget* MenuPositionDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex&) const {
     auto* box = new QComboBox(parent);

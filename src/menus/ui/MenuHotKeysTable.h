@@ -28,7 +28,8 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    // Redraws every row (the stored hot keys or the key names changed).
+    // Shows the rows the first time (the settings are loaded by then), later redraws them
+    // (the stored hot keys or the key names changed).
     void reload();
 
     static QString positionName(int position);
@@ -36,6 +37,7 @@ public:
 private:
     MenusController& controller_;
     Colour colour_;
+    int rows_ = 0;
 };
 
 // Chooses a hot key's position from a pop-up of the six places a menu can appear.

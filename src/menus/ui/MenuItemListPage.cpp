@@ -1,9 +1,12 @@
 #include "menus/ui/MenuItemListPage.h"
 
+#include <QApplication>
 #include <QHeaderView>
+#include <QStyle>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QTimer>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include "controls/KVIconServices.h"
@@ -17,21 +20,25 @@ namespace corvalis {
 
 namespace {
 constexpr int kEditDelayMs = 100;
+// The room a row's icon takes before its name, and the margin after the name.
+constexpr int kIconAndGap = 19;
+constexpr int kTextMargin = 3;
 }  // namespace
 
 QVariant menuItemIcon(const std::string& path, const std::string& kind) {
     if (!path.empty()) return KVIconServices::sharedIcons().iconForPath(QString::fromStdString(path), nullptr);
-    static const std::map<std::string, const char*> themeNames{
-        {items::Groups, "folder"},
-        {items::DockApplications, "user-desktop"},
-        {items::RecentApplications, "document-open-recent"},
-        {items::ApplicationsFolder, "folder"},
-        {items::DeveloperApplicationsFolder, "folder"},
-        {items::SystemPreferences, "preferences-system"},
+    // The theme's image, else the style's own, so that every kind has one.
+    static const std::map<std::string, std::pair<const char*, QStyle::StandardPixmap>> images{
+        {items::Groups, {"folder", QStyle::SP_DirIcon}},
+        {items::DockApplications, {"user-desktop", QStyle::SP_DesktopIcon}},
+        {items::RecentApplications, {"document-open-recent", QStyle::SP_FileDialogContentsView}},
+        {items::ApplicationsFolder, {"folder", QStyle::SP_DirIcon}},
+        {items::DeveloperApplicationsFolder, {"folder", QStyle::SP_DirIcon}},
+        {items::SystemPreferences, {"preferences-system", QStyle::SP_ComputerIcon}},
     };
-    auto found = themeNames.find(kind);
-    if (found == themeNames.end()) return {};
-    return QIcon::fromTheme(found->second);
+    auto found = images.find(kind);
+    if (found == images.end()) return {};
+    return QIcon::fromTheme(found->second.first, QApplication::style()->standardIcon(found->second.second));
 }
 
 MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tableName, QWidget* sheet, QWidget* parent)
@@ -44,6 +51,8 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
     table_->horizontalHeader()->hide();
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->verticalHeader()->hide();
+    // Separator rows are thinner than the others.
+    table_->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     table_->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
     table_->setTabKeyNavigation(false);
@@ -54,6 +63,7 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
     table_->setDragDropOverwriteMode(false);
     table_->setDropIndicatorShown(true);
     table_->installEventFilter(this);
+    table_->viewport()->installEventFilter(this);
     layout_->addWidget(table_, 1);
 
     bar_ = new KVServicesBar(this);
@@ -72,6 +82,8 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
 
     model_.setView(this);
     model_.setIconProvider(&menuItemIcon);
+    // The editor chose its first row before there was a table to show it.
+    if (model_.rowCount() > 0) selectRows({EditorRow{0}});
     // The menus are built for the pull-downs at once, so the keyboard finds them too.
     rebuildAddMenu();
     rebuildActionsMenu();
@@ -81,7 +93,10 @@ MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tabl
 MenuItemListPage::~MenuItemListPage() {
     model_.setView(nullptr);
     model_.setIconProvider({});
-    if (table_) table_->removeEventFilter(this);
+    if (table_) {
+        table_->removeEventFilter(this);
+        table_->viewport()->removeEventFilter(this);
+    }
 }
 
 std::vector<int> MenuItemListPage::selectedRows() const {
@@ -135,6 +150,21 @@ bool MenuItemListPage::eventFilter(QObject* watched, QEvent* event) {
             table_->edit(table_->currentIndex());
             return true;
         }
+    }
+    // A row's path shows only while the pointer is over its name (and icon), not the empty rest of the row.
+    if (table_ && watched == table_->viewport() && event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        QModelIndex index = table_->indexAt(help->pos());
+        QString tip = index.data(Qt::ToolTipRole).toString();
+        QRect cell = table_->visualRect(index);
+        int iconWidth = index.data(Qt::DecorationRole).isValid() ? kIconAndGap : 0;
+        int textWidth = table_->fontMetrics().horizontalAdvance(index.data().toString());
+        cell.setWidth(std::min(cell.width(), textWidth + iconWidth + kTextMargin));
+        if (!tip.isEmpty() && cell.contains(help->pos()))
+            QToolTip::showText(help->globalPos(), tip, table_->viewport(), cell);
+        else
+            QToolTip::hideText();
+        return true;
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -14,6 +14,7 @@
 
 #include "controls/KVTableView.h"
 #include "controls/LocalizedText.h"
+#include "fileutils/KVOperatingSystem.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
 #include "keys/ui/KeyCombinationTableKeys.h"
@@ -43,10 +44,10 @@ bool startDetached(const QString& program, const QStringList& arguments) {
 
 template <class Editor, class Page>
 void MenusTab::addEditor(const std::string& identifier, std::unique_ptr<Editor> editor) {
-    Editor& model = *editor;
-    controller_->addEditor(identifier, model);
+    Editor* model = editor.get();
+    controller_->addEditor(identifier, *model);
     editors_.push_back(std::move(editor));
-    pages_.push_back({identifier, [&model](QWidget* sheet) -> QWidget* { return new Page(model, sheet); }});
+    pages_.push_back({identifier, [model](QWidget* sheet) -> QWidget* { return new Page(*model, sheet); }});
 }
 
 MenusTab::MenusTab(const MenusTabContext& context, QWidget* page, QWidget* window, QObject* parent)
@@ -110,7 +111,8 @@ void MenusTab::buildPage(QWidget* page) {
     }
     layout->addLayout(options);
 
-    auto* termination = new QGroupBox(localized("AutomaticTermination"), content_);
+    termination_ = new QGroupBox(localized("AutomaticTermination"), content_);
+    QGroupBox* termination = termination_;
     auto* terminationLayout = new QHBoxLayout(termination);
     includeTerminated_ = new QCheckBox(localized("IncludeTerminatedApplications"), termination);
     where_ = new QComboBox(termination);
@@ -166,9 +168,6 @@ void MenusTab::buildPage(QWidget* page) {
     hotKeysTable_->setAccessibleName(localized("MenuHotKeys"));
     hotKeysTable_->installEventFilter(this);
     controller_->setTable(static_cast<QWidget*>(hotKeysTable_.data()));
-    // Four rows and no more: the table is as tall as they are.
-    hotKeysTable_->setFixedHeight(header->sizeHint().height() +
-                                  MenusController::kHotKeyRows * hotKeysTable_->verticalHeader()->defaultSectionSize() + 4);
     hotKeysLayout->addWidget(hotKeysTable_);
     layout->addWidget(hotKeys);
 
@@ -206,7 +205,13 @@ void MenusTab::showOptions() {
 void MenusTab::initializePane(bool firstTime) {
     controller_->initializePane(firstTime);
     showOptions();
+    // Systems before 10.7 quit no applications by themselves.
+    termination_->setVisible(KVOperatingSystem::is10_7orLater());
     hotKeysModel_->reload();
+    // Four rows and no more: the table is as tall as they are. Measured only now, as the
+    // header's size asks the rows for their contents, which the settings must be loaded for.
+    hotKeysTable_->setFixedHeight(hotKeysTable_->horizontalHeader()->sizeHint().height() +
+                                  MenusController::kHotKeyRows * hotKeysTable_->verticalHeader()->defaultSectionSize() + 4);
     hotKeysTable_->clearSelection();
     hotKeysTable_->scrollToTop();
     if (menusSheet_)

@@ -19,6 +19,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QGroupBox;
 class QPushButton;
 
 namespace corvalis {
@@ -91,6 +92,7 @@ private:
     std::vector<ConfigureMenusSheet::Page> pages_;
     QPointer<QWidget> content_;
     std::vector<std::pair<const char*, QCheckBox*>> options_;
+    QGroupBox* termination_ = nullptr;
     QCheckBox* includeTerminated_ = nullptr;
     QComboBox* where_ = nullptr;
     QPointer<KVTableView> hotKeysTable_;
@@ -100,7 +102,8 @@ private:
     QPointer<ConfigureMenusSheet> menusSheet_;
     QPointer<ConfigurePreviewsSheet> previewsSheet_;
     Launcher launcher_;
-    bool showing_ = false;
+    // Until the settings are shown the boxes store nothing (they are not even loaded yet).
+    bool showing_ = true;
 };
 
 }  // namespace corvalis

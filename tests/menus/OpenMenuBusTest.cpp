@@ -1,0 +1,52 @@
+#include <gtest/gtest.h>
+
+#include "menus/ConfigureOpenMenuController.h"
+#include "platform/FileDomainStore.h"
+#include "platform/InProcessNotificationCenter.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "prefs/CorvalisPreferences.h"
+#include "prefs/NotificationNames.h"
+#include "plist/PlistIO.h"
+#include "schema/PreferenceKeys.h"
+#include "support/IntegrationSupport.h"
+
+using namespace corvalis;
+using namespace corvalis::plist;
+
+// On the session bus: a rename tells the controller the whole menu, and the controller's
+// depth change reaches the second folder record and, once saved, the domain file.
+TEST(OpenMenuBus, RenameAndDepthChangeTravelOverTheBus) {
+    test::TempDir dir;
+    for (const char* name : {"a", "b"}) std::filesystem::create_directories(dir / name);
+    std::string a = std::filesystem::canonical(dir / "a").string(), b = std::filesystem::canonical(dir / "b").string();
+    FileDomainStore store(dir / "prefs");
+    store.setPersistentDomain(Dictionary{{keys::OpenMenuItems, Array{newFolderRecord(a), Dictionary{{keys::Item, "Groups"}},
+                                                                     newFolderRecord(b)}}},
+                              notifications::Domain);
+    DBusNotificationCenter bus, controller;
+    ASSERT_TRUE(bus.isConnected());
+    InProcessNotificationCenter local;
+    CorvalisPreferences prefs(store, bus);
+    prefs.loadPreferences();
+    ConfigureOpenMenuController menu(prefs, local, bus, {});
+    menu.initializePane(true);
+
+    std::vector<Notification> heard;
+    controller.addObserver(notifications::CorvalisPaneChangedPrefs, notifications::PaneObject,
+                           [&](const Notification& n) { heard.push_back(n); });
+    ASSERT_TRUE(menu.setData(menu.index(0), "Renamed", Qt::EditRole));
+    ASSERT_TRUE(test::waitUntil([&] { return !heard.empty(); }, 10000));
+    const Value& sent = (*heard.back().userInfo)[changes::ChangeOpenMenuItems][keys::OpenMenuItems];
+    ASSERT_TRUE(sent.array());
+    EXPECT_EQ(sent.array()->size(), 3u);
+    EXPECT_EQ(sent[0][keys::Name].stringOr(""), "Renamed");
+
+    controller.post(Notification{notifications::OpenMenuItemsChanged, notifications::ControllerObject,
+                                 Dictionary{{changes::ChangeOpenMenuItemDepth,
+                                             Dictionary{{"Index", Value::int32(1)}, {keys::Depth, Value::int32(5)}}}}});
+    ASSERT_TRUE(test::waitUntil([&] { return prefs.prefsData()[keys::OpenMenuItems][2][keys::Depth].toInt32() == 5; }, 10000));
+    prefs.saveToDefaults();
+    ParseResult saved = parse(std::string_view(test::readFile(store.pathForDomain(notifications::Domain))));
+    EXPECT_EQ(saved.value[keys::OpenMenuItems][2][keys::Depth].toInt32(), 5);
+    EXPECT_EQ(saved.value[keys::OpenMenuItems][0][keys::Depth].toInt32(), 2);
+}
