@@ -7,6 +7,7 @@
 #include <set>
 
 #include "fileutils/AliasResolution.h"
+#include "fileutils/CanonicalPathCache.h"
 #include "fileutils/DisplayNames.h"
 #include "fileutils/NameOrder.h"
 #include "fileutils/PathChecking.h"
@@ -885,10 +886,15 @@ void GroupsController::onChangeApplication() {
 bool GroupsController::_updatePaths() {
     if (_view.isEditingName()) return false;
     bool changed = false;
+    // Runs before every edit and on every activation: paths that are already canonical are passed quickly.
+    CanonicalPathCache canonical;
     for (int group = 0; group < groupCount(); ++group) {
         std::optional<Array> members = applicationsOf(group);
         for (std::size_t i = 0; i < members->size(); ++i) {
-            std::optional<Dictionary> member = plist::asDictionary((*members)[i]);
+            const Value& value = (*members)[i];
+            const std::string* path = value[keys::Path].string();
+            if (path && value[keys::AliasData].data() && canonical.isCanonicalAndExists(*path)) continue;
+            std::optional<Dictionary> member = plist::asDictionary(value);
             if (!member || !CheckPath(*member, _workspace)) continue;
             changed = true;
             QModelIndex row = index(static_cast<int>(i), 0, index(group, 0));
