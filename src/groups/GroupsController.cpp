@@ -244,7 +244,7 @@ QVariant GroupsController::data(const QModelIndex& index, int role) const {
 
 bool GroupsController::setData(const QModelIndex& index, const QVariant& value, int role) {
     EditorRow row = rowOf(index);
-    if (!index.isValid() || role != Qt::EditRole || !isGroupRow(row)) return false;
+    if (!index.isValid() || role != Qt::EditRole || !isGroupRow(row) || _abortingEdit) return false;
     std::string text = noNewlineString(value.toString().toStdString());
     if (!isValid(text)) return false;
     _rename(row.row, text);
@@ -938,7 +938,10 @@ void GroupsController::onGroupsChanged(const Notification& notification) {
     if (!notification.userInfo) return;
     const Array* incoming = (*notification.userInfo)[changes::ChangeGroups][keys::Groups].array();
     if (!incoming) return;
+    // A name being typed is dropped, not stored: the controller's groups replace it.
+    _abortingEdit = true;
     _view.endEditing();
+    _abortingEdit = false;
     SavedSelection saved = saveSelection();
     // Built aside and swapped in at once: what the loader cannot read is dropped, never half-applied.
     Array groups;

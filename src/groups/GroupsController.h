@@ -217,6 +217,7 @@ private:
     bool _keepGroupsArranged = false;
     bool _keepAppsArranged = false;
     bool _showInfo = false;
+    bool _abortingEdit = false;
 };
 
 }  // namespace corvalis
