@@ -41,6 +41,17 @@ bool samePathIgnoringCase(const std::string& a, const std::string& b) {
 
 std::string pathOf(const Value& record) { return record[keys::Path].stringOr(""); }
 
+// Applications as the add menu's entries take them: in name order, then by path.
+std::vector<std::string> pathsInNameOrder(const std::vector<std::string>& applications) {
+    Array entries;
+    for (const std::string& path : applications)
+        entries.append(Dictionary{{keys::Name, LocalizedApplicationName(path)}, {keys::Path, path}});
+    sortUsingFunction(entries, SortByNameAndPath);
+    std::vector<std::string> paths;
+    for (const Value& entry : entries) paths.push_back(pathOf(entry));
+    return paths;
+}
+
 bool isExcludedGroup(const Value& group) { return group[keys::CanBeDeleted].toBool() == false; }
 
 // The permutation that selection-sorts `keys` (smallest first; strictly smaller replaces, as before).
@@ -307,6 +318,16 @@ void GroupsController::selectAndScroll(const std::vector<EditorRow>& rows) {
     if (!rows.empty()) _view.scrollRowToVisible(rows.front());
     // Selecting what was already selected says nothing; the options box still follows the record.
     emit optionsNeedRefresh();
+}
+
+void GroupsController::expandAndSelectMembers(int group, const std::vector<std::string>& paths) {
+    _view.expandGroup(group);
+    std::vector<EditorRow> rows;
+    std::optional<Array> members = applicationsOf(group);
+    for (std::size_t i = 0; members && i < members->size(); ++i)
+        if (std::find(paths.begin(), paths.end(), pathOf((*members)[i])) != paths.end())
+            rows.push_back(EditorRow{static_cast<int>(i), group});
+    selectAndScroll(rows);
 }
 
 GroupsController::SavedSelection GroupsController::saveSelection() const {
@@ -741,13 +762,7 @@ void GroupsController::_addApplications(const std::vector<std::string>& paths, b
         if (std::find(added.begin(), added.end(), *resolved) == added.end()) added.push_back(*resolved);
     }
     if (added.empty()) return;
-    _view.expandGroup(*target);
-    std::vector<EditorRow> rows;
-    std::optional<Array> members = applicationsOf(*target);
-    for (std::size_t i = 0; i < members->size(); ++i)
-        if (std::find(added.begin(), added.end(), pathOf((*members)[i])) != added.end())
-            rows.push_back(EditorRow{static_cast<int>(i), *target});
-    selectAndScroll(rows);
+    expandAndSelectMembers(*target, added);
     if (updateOpenPanelPath) _prefs.setOpenPanelPath(paths.back(), keys::AddApplicationPath);
     synchronizeGroups(false);
 }
@@ -768,20 +783,17 @@ void GroupsController::_addApplication() {
 }
 
 std::vector<std::string> GroupsController::launchedPaths() {
-    Array entries;
+    std::vector<std::string> found;
     for (const RunningApplication& application : _running.launchedApplications()) {
         if (application.bundleIdentifier == "com.apple.systempreferences" || application.bundleIdentifier == "com.apple.finder")
             continue;
-        entries.append(Dictionary{{keys::Name, LocalizedApplicationName(application.path)}, {keys::Path, application.path}});
+        found.push_back(application.path);
     }
-    sortUsingFunction(entries, SortByNameAndPath);
-    std::vector<std::string> paths;
-    for (const Value& entry : entries) paths.push_back(pathOf(entry));
-    return paths;
+    return pathsInNameOrder(found);
 }
 
 std::vector<std::string> GroupsController::backgroundOnlyPaths() {
-    Array entries;
+    std::vector<std::string> found;
     for (const RunningApplication& application : _running.runningApplications()) {
         if (!application.backgroundOnly || application.bundleIdentifier == kControllerIdentifier) continue;
         if (!isPathWithinLimit(application.path) || isService(application.path, _workspace)) continue;
@@ -790,12 +802,9 @@ std::vector<std::string> GroupsController::backgroundOnlyPaths() {
         if (CopyApplicationInfoDictionaryPresentationOptions(application.path, &uiElement, &backgroundOnly, _workspace) &&
             !uiElement && !backgroundOnly && pathExtension(application.path) != "desktop")
             continue;
-        entries.append(Dictionary{{keys::Name, LocalizedApplicationName(application.path)}, {keys::Path, application.path}});
+        found.push_back(application.path);
     }
-    sortUsingFunction(entries, SortByNameAndPath);
-    std::vector<std::string> paths;
-    for (const Value& entry : entries) paths.push_back(pathOf(entry));
-    return paths;
+    return pathsInNameOrder(found);
 }
 
 bool GroupsController::canAddRunningApplications() { return selectedGroup() && !launchedPaths().empty(); }
