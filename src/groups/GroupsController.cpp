@@ -7,6 +7,7 @@
 #include <set>
 
 #include "fileutils/AliasResolution.h"
+#include "fileutils/CanonicalPathCache.h"
 #include "fileutils/DisplayNames.h"
 #include "fileutils/NameOrder.h"
 #include "fileutils/PathChecking.h"
@@ -39,6 +40,17 @@ bool samePathIgnoringCase(const std::string& a, const std::string& b) {
 }
 
 std::string pathOf(const Value& record) { return record[keys::Path].stringOr(""); }
+
+// Applications as the add menu's entries take them: in name order, then by path.
+std::vector<std::string> pathsInNameOrder(const std::vector<std::string>& applications) {
+    Array entries;
+    for (const std::string& path : applications)
+        entries.append(Dictionary{{keys::Name, LocalizedApplicationName(path)}, {keys::Path, path}});
+    sortUsingFunction(entries, SortByNameAndPath);
+    std::vector<std::string> paths;
+    for (const Value& entry : entries) paths.push_back(pathOf(entry));
+    return paths;
+}
 
 bool isExcludedGroup(const Value& group) { return group[keys::CanBeDeleted].toBool() == false; }
 
@@ -243,7 +255,7 @@ QVariant GroupsController::data(const QModelIndex& index, int role) const {
 
 bool GroupsController::setData(const QModelIndex& index, const QVariant& value, int role) {
     EditorRow row = rowOf(index);
-    if (!index.isValid() || role != Qt::EditRole || !isGroupRow(row)) return false;
+    if (!index.isValid() || role != Qt::EditRole || !isGroupRow(row) || _abortingEdit) return false;
     std::string text = noNewlineString(value.toString().toStdString());
     if (!isValid(text)) return false;
     _rename(row.row, text);
@@ -306,6 +318,16 @@ void GroupsController::selectAndScroll(const std::vector<EditorRow>& rows) {
     if (!rows.empty()) _view.scrollRowToVisible(rows.front());
     // Selecting what was already selected says nothing; the options box still follows the record.
     emit optionsNeedRefresh();
+}
+
+void GroupsController::expandAndSelectMembers(int group, const std::vector<std::string>& paths) {
+    _view.expandGroup(group);
+    std::vector<EditorRow> rows;
+    std::optional<Array> members = applicationsOf(group);
+    for (std::size_t i = 0; members && i < members->size(); ++i)
+        if (std::find(paths.begin(), paths.end(), pathOf((*members)[i])) != paths.end())
+            rows.push_back(EditorRow{static_cast<int>(i), group});
+    selectAndScroll(rows);
 }
 
 GroupsController::SavedSelection GroupsController::saveSelection() const {
@@ -740,13 +762,7 @@ void GroupsController::_addApplications(const std::vector<std::string>& paths, b
         if (std::find(added.begin(), added.end(), *resolved) == added.end()) added.push_back(*resolved);
     }
     if (added.empty()) return;
-    _view.expandGroup(*target);
-    std::vector<EditorRow> rows;
-    std::optional<Array> members = applicationsOf(*target);
-    for (std::size_t i = 0; i < members->size(); ++i)
-        if (std::find(added.begin(), added.end(), pathOf((*members)[i])) != added.end())
-            rows.push_back(EditorRow{static_cast<int>(i), *target});
-    selectAndScroll(rows);
+    expandAndSelectMembers(*target, added);
     if (updateOpenPanelPath) _prefs.setOpenPanelPath(paths.back(), keys::AddApplicationPath);
     synchronizeGroups(false);
 }
@@ -767,20 +783,17 @@ void GroupsController::_addApplication() {
 }
 
 std::vector<std::string> GroupsController::launchedPaths() {
-    Array entries;
+    std::vector<std::string> found;
     for (const RunningApplication& application : _running.launchedApplications()) {
         if (application.bundleIdentifier == "com.apple.systempreferences" || application.bundleIdentifier == "com.apple.finder")
             continue;
-        entries.append(Dictionary{{keys::Name, LocalizedApplicationName(application.path)}, {keys::Path, application.path}});
+        found.push_back(application.path);
     }
-    sortUsingFunction(entries, SortByNameAndPath);
-    std::vector<std::string> paths;
-    for (const Value& entry : entries) paths.push_back(pathOf(entry));
-    return paths;
+    return pathsInNameOrder(found);
 }
 
 std::vector<std::string> GroupsController::backgroundOnlyPaths() {
-    Array entries;
+    std::vector<std::string> found;
     for (const RunningApplication& application : _running.runningApplications()) {
         if (!application.backgroundOnly || application.bundleIdentifier == kControllerIdentifier) continue;
         if (!isPathWithinLimit(application.path) || isService(application.path, _workspace)) continue;
@@ -789,12 +802,9 @@ std::vector<std::string> GroupsController::backgroundOnlyPaths() {
         if (CopyApplicationInfoDictionaryPresentationOptions(application.path, &uiElement, &backgroundOnly, _workspace) &&
             !uiElement && !backgroundOnly && pathExtension(application.path) != "desktop")
             continue;
-        entries.append(Dictionary{{keys::Name, LocalizedApplicationName(application.path)}, {keys::Path, application.path}});
+        found.push_back(application.path);
     }
-    sortUsingFunction(entries, SortByNameAndPath);
-    std::vector<std::string> paths;
-    for (const Value& entry : entries) paths.push_back(pathOf(entry));
-    return paths;
+    return pathsInNameOrder(found);
 }
 
 bool GroupsController::canAddRunningApplications() { return selectedGroup() && !launchedPaths().empty(); }
@@ -885,10 +895,15 @@ void GroupsController::onChangeApplication() {
 bool GroupsController::_updatePaths() {
     if (_view.isEditingName()) return false;
     bool changed = false;
+    // Runs before every edit and on every activation: paths that are already canonical are passed quickly.
+    CanonicalPathCache canonical;
     for (int group = 0; group < groupCount(); ++group) {
         std::optional<Array> members = applicationsOf(group);
         for (std::size_t i = 0; i < members->size(); ++i) {
-            std::optional<Dictionary> member = plist::asDictionary((*members)[i]);
+            const Value& value = (*members)[i];
+            const std::string* path = value[keys::Path].string();
+            if (path && value[keys::AliasData].data() && canonical.isCanonicalAndExists(*path)) continue;
+            std::optional<Dictionary> member = plist::asDictionary(value);
             if (!member || !CheckPath(*member, _workspace)) continue;
             changed = true;
             QModelIndex row = index(static_cast<int>(i), 0, index(group, 0));
@@ -932,7 +947,10 @@ void GroupsController::onGroupsChanged(const Notification& notification) {
     if (!notification.userInfo) return;
     const Array* incoming = (*notification.userInfo)[changes::ChangeGroups][keys::Groups].array();
     if (!incoming) return;
+    // A name being typed is dropped, not stored: the controller's groups replace it.
+    _abortingEdit = true;
     _view.endEditing();
+    _abortingEdit = false;
     SavedSelection saved = saveSelection();
     // Built aside and swapped in at once: what the loader cannot read is dropped, never half-applied.
     Array groups;

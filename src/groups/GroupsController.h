@@ -197,6 +197,8 @@ private:
     SavedSelection saveSelection() const;
     void restoreSelection(const SavedSelection& saved);
     void selectAndScroll(const std::vector<EditorRow>& rows);
+    // Expands the group and selects its members with these paths (after an add or a drop).
+    void expandAndSelectMembers(int group, const std::vector<std::string>& paths);
     bool dropFiles(const QMimeData* data, int row, int group);
     bool dropApplications(bool copy, int row, int group);
     bool dropGroups(int row);
@@ -217,6 +219,7 @@ private:
     bool _keepGroupsArranged = false;
     bool _keepAppsArranged = false;
     bool _showInfo = false;
+    bool _abortingEdit = false;
 };
 
 }  // namespace corvalis

@@ -97,13 +97,7 @@ bool GroupsController::dropFiles(const QMimeData* data, int position, int group)
         if (std::find(added.begin(), added.end(), *resolved) == added.end()) added.push_back(*resolved);
     }
     if (added.empty()) return false;
-    _view.expandGroup(group);
-    std::vector<EditorRow> rows;
-    Array members = *applicationsOf(group);
-    for (std::size_t i = 0; i < members.size(); ++i)
-        if (std::find(added.begin(), added.end(), members[i][keys::Path].stringOr("")) != added.end())
-            rows.push_back(EditorRow{static_cast<int>(i), group});
-    selectAndScroll(rows);
+    expandAndSelectMembers(group, added);
     return true;
 }
 
@@ -130,13 +124,7 @@ bool GroupsController::dropApplications(bool copy, int position, int group) {
         position = at;
         added.push_back(path);
     }
-    _view.expandGroup(group);
-    std::vector<EditorRow> rows;
-    Array members = *applicationsOf(group);
-    for (std::size_t i = 0; i < members.size(); ++i)
-        if (std::find(added.begin(), added.end(), members[i][keys::Path].stringOr("")) != added.end())
-            rows.push_back(EditorRow{static_cast<int>(i), group});
-    selectAndScroll(rows);
+    expandAndSelectMembers(group, added);
     return true;
 }
 

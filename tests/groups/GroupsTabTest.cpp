@@ -20,8 +20,13 @@
 #include "groups/GroupOptions.h"
 #include "groups/ui/GroupOptionsBox.h"
 #include "groups/ui/GroupsTab.h"
+#include "keys/KeyStrings.h"
+#include "keys/KeysFixture.h"
 #include "keys/ui/KVKeyCombinationTextField.h"
+#include "text/Localization.h"
 #include "pane/ui/CorvalisPane.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "prefs/NotificationNames.h"
 #include "plist/PlistIO.h"
 #include "schema/PreferenceKeys.h"
 #include "support/IntegrationSupport.h"
@@ -139,4 +144,48 @@ TEST_F(GroupsTabTest, ArrangementMenuAndCustomIconFromAPng) {
     ASSERT_TRUE(record[keys::IconData].data());
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(record[keys::IconData].data()->data()), 4), "icns");
     EXPECT_FALSE(groups->index(0, 0).data(GroupsController::IconDataRole).toByteArray().isEmpty());
+}
+
+// On the session bus: adding a group tells the controller of the groups, then of the group's
+// disabled hot key; the controller's "GroupsChanged" replaces the groups in the open window.
+TEST_F(GroupsTabTest, GroupsTravelOverTheBusBothWays) {
+    open(Array{group("Work")});
+    DBusNotificationCenter controller;
+    std::vector<std::string> heard;
+    controller.addObserver("", notifications::PaneObject, [&](const Notification& n) {
+        if (n.userInfo) heard.push_back(n.userInfo->keys().front());
+    });
+    QTest::qWait(300);  // what the pane told the controller while opening
+    heard.clear();
+    groups->onAddGroup();
+    ASSERT_TRUE(test::waitUntil([&] { return heard.size() >= 2; }, 5000));
+    EXPECT_EQ(heard, (std::vector<std::string>{changes::ChangeGroups, changes::ChangeKeyboardShortcut}));
+
+    controller.post(Notification{notifications::GroupsChanged, notifications::ControllerObject,
+                                 Dictionary{{changes::ChangeGroups, Dictionary{{keys::Groups, Array{group("From the controller")}}}}}});
+    ASSERT_TRUE(test::waitUntil([&] { return groups->groupCount() == 1 && groups->index(0, 0).data().toString() == "From the controller"; }, 5000));
+}
+
+TEST_F(GroupsTabTest, AHotKeyIsRecordedAndOneTakenByAMenuIsRefused) {
+    test::ScopedLayout us{"us"};
+    open(Array{group("Work")});
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    outline->setCurrentIndex(groups->index(0, 0));
+    box()->enableShortcut()->setChecked(true);
+    KVKeyCombinationTextField* field = box()->keyCombinationField();
+    ASSERT_TRUE(field->isEnabled());
+    auto press = [&](int key, std::uint32_t evdev, Qt::KeyboardModifiers held) {
+        field->setFocus();
+        QKeyEvent event(QEvent::KeyPress, key, held, evdev + 8, 0, 0);
+        QApplication::sendEvent(field, &event);
+    };
+    auto recorded = [&] { return KVKeyCombination::fromValue((*groups->groupAt(0))[keys::KeyboardShortcut]); };
+    press(Qt::Key_K, 37, Qt::MetaModifier);
+    EXPECT_EQ(recorded(), KVKeyCombination(0, 40, modifiers::Command));
+    press(Qt::Key_O, 24, Qt::ShiftModifier | Qt::ControlModifier);  // the Open menu's own hot key
+    EXPECT_EQ(recorded(), KVKeyCombination(0, 40, modifiers::Command));
+    auto* alert = window->findChild<QMessageBox*>();
+    ASSERT_TRUE(alert && alert->isVisible());
+    EXPECT_EQ(alert->informativeText().toStdString(), LocalizedString(keystrings::ChooseAnotherCombination));
+    alert->done(0);
 }
