@@ -3,7 +3,7 @@
 namespace corvalis {
 
 void InProcessNotificationCenter::post(const Notification& notification) {
-    posted_.push_back(notification);
+    if (keepPosted_) posted_.push_back(notification);
     observers_.dispatch(notification);
 }
 

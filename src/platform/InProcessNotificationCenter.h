@@ -11,6 +11,9 @@ namespace corvalis {
 
 class InProcessNotificationCenter : public NotificationCenter {
 public:
+    // The pane's own centre keeps nothing; tests keep every post to read it back.
+    explicit InProcessNotificationCenter(bool keepPosted = true) : keepPosted_(keepPosted) {}
+
     void post(const Notification& notification) override;
     Token addObserver(std::string name, std::string object, Observer observer) override;
     void removeObserver(Token token) override;
@@ -20,6 +23,7 @@ public:
     void clearPosted() { posted_.clear(); }
 
 private:
+    bool keepPosted_;
     ObserverList observers_;
     std::vector<Notification> posted_;
 };

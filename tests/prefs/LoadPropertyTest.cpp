@@ -2,7 +2,6 @@
 // field: loading never fails, its result satisfies what every loaded domain
 // must, and loading that result again changes nothing.
 
-#include <chrono>
 #include <random>
 
 #include "prefs/DefaultValues.h"
@@ -101,9 +100,7 @@ class LoadProperties : public test::PrefsTest {};
 
 TEST_F(LoadProperties, RandomDomainsLoadIntoCanonicalFormOnce) {
     RandomDomains random(20261122);
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    int loaded = 0;
-    for (; loaded < 3000 && std::chrono::steady_clock::now() < deadline; ++loaded) {
+    for (int loaded = 0; loaded < 1000; ++loaded) {
         Dictionary stored = random.domain();
         machine.developerApplicationsFolderExists = [loaded] { return loaded % 2 == 0; };
         machine.iPhotoLibraryAvailable = [loaded] { return loaded % 3 == 0; };
@@ -116,6 +113,4 @@ TEST_F(LoadProperties, RandomDomainsLoadIntoCanonicalFormOnce) {
         Dictionary second = load(saved);
         ASSERT_EQ(second, first) << "loading again changed the domain loaded from\n" << toXml(stored);
     }
-    EXPECT_GE(loaded, 200) << "too few domains in the time allowed";
-    RecordProperty("domains", loaded);
 }

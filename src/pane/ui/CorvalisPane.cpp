@@ -65,7 +65,7 @@ ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QO
     : QObject(parent), window_(window) {
     domains_ = std::make_unique<FileDomainStore>(FileDomainStore::defaultFolder());
     distributed_ = std::make_unique<DBusNotificationCenter>();
-    local_ = std::make_unique<InProcessNotificationCenter>();
+    local_ = std::make_unique<InProcessNotificationCenter>(/*keepPosted=*/false);
     running_ = std::make_unique<LinuxRunningApplications>(Workspace::shared());
     prefs_ = std::make_unique<CorvalisPreferences>(*domains_, *distributed_);
     processes_ = std::make_unique<LinuxProcesses>(controllerPath());
