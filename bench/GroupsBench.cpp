@@ -127,8 +127,10 @@ void AddApplication(benchmark::State& state) {
         tab.groups._updatePaths();
         tab.groups.addApplication(extra, group, 0, false, nullptr);
         tab.groups.synchronizeGroups(false);
+        // Taken out again and saved, untimed, so that the next add really changes the file.
         state.PauseTiming();
         tab.groups.removeApplication(0, group);
+        tab.groups.synchronizeGroups(false);
         state.ResumeTiming();
     }
 }

@@ -1,9 +1,5 @@
 #include "fileutils/CanonicalPathCache.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <climits>
 #include <cstdlib>
 #include <memory>
@@ -14,8 +10,8 @@ namespace corvalis {
 
 namespace {
 
-// Folders kept open at once; lists of applications mostly share a few folders.
-constexpr std::size_t kMaxOpenFolders = 64;
+// Folders remembered at most; beyond, the cache starts again.
+constexpr std::size_t kMaxFolders = 4096;
 
 // Absolute, and without empty, "." or ".." components or a trailing slash.
 bool isPlainAbsolute(std::string_view path) {
@@ -30,41 +26,50 @@ bool isPlainAbsolute(std::string_view path) {
     return true;
 }
 
-}  // namespace
+bool sameTime(const timespec& a, const timespec& b) { return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec; }
 
-CanonicalPathCache::~CanonicalPathCache() { forget(); }
-
-void CanonicalPathCache::forget() {
-    for (auto& [path, folder] : folders_)
-        if (folder.fd >= 0) ::close(folder.fd);
-    folders_.clear();
-    lastParent_.clear();
-    lastFd_ = -1;
+bool unchanged(const struct stat& before, const struct stat& now) {
+    return before.st_dev == now.st_dev && before.st_ino == now.st_ino && sameTime(before.st_mtim, now.st_mtim) &&
+           sameTime(before.st_ctim, now.st_ctim);
 }
 
-int CanonicalPathCache::folderFor(std::string_view parent) {
-    if (parent == lastParent_) return lastFd_;
+}  // namespace
+
+void CanonicalPathCache::beginPass() {
+    ++pass_;
+    lastParent_.clear();
+    last_ = nullptr;
+    if (folders_.size() > kMaxFolders) folders_.clear();
+}
+
+CanonicalPathCache::Folder& CanonicalPathCache::folderFor(std::string_view parent) {
+    if (last_ && parent == lastParent_) return *last_;
     std::string key(parent);
-    auto found = folders_.find(key);
-    if (found == folders_.end()) {
-        if (folders_.size() >= kMaxOpenFolders) forget();
-        Folder folder;
+    Folder& folder = folders_[key];
+    if (folder.pass != pass_) {
+        folder.pass = pass_;
+        struct stat now {};
         std::unique_ptr<char, decltype(&std::free)> real(::realpath(key.c_str(), nullptr), &std::free);
-        if (real && key == real.get()) folder.fd = ::open(key.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-        found = folders_.emplace(key, folder).first;
+        bool canonical = real && key == real.get() && ::stat(key.c_str(), &now) == 0;
+        if (!canonical || !folder.canonical || !unchanged(folder.seen, now)) folder.present.clear();
+        folder.canonical = canonical;
+        folder.seen = now;
     }
-    lastParent_ = key;
-    lastFd_ = found->second.fd;
-    return lastFd_;
+    lastParent_ = std::move(key);
+    last_ = &folder;
+    return folder;
 }
 
 bool CanonicalPathCache::isCanonicalAndExists(const std::string& path) {
     if (!isPathWithinLimit(path) || !isPlainAbsolute(path)) return false;
-    int folder = folderFor(parentPath(path));
-    if (folder < 0) return false;
+    Folder& folder = folderFor(parentPath(path));
+    if (!folder.canonical) return false;
+    std::string name = path.substr(path.rfind('/') + 1);
+    if (folder.present.count(name)) return true;
     struct stat info {};
-    const char* name = path.c_str() + path.rfind('/') + 1;
-    return ::fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) == 0 && !S_ISLNK(info.st_mode);
+    if (::lstat(path.c_str(), &info) != 0 || S_ISLNK(info.st_mode)) return false;
+    folder.present.insert(std::move(name));
+    return true;
 }
 
 }  // namespace corvalis

@@ -1,36 +1,41 @@
 #pragma once
-// A quick answer, during one pass over many stored paths, to "would checking
-// this path change it?": a path that exists and is already canonical (no link,
-// no "." or ".." anywhere) is left as it is by CheckPath. Each folder is
-// resolved once and kept open, so a path costs one stat relative to its folder.
+// A quick answer, over passes on many stored paths, to "would checking this
+// path change it?": a path that exists and is already canonical (no link, no
+// "." or ".." anywhere) is left as it is by CheckPath. Each folder is resolved
+// once a pass; the names found in it are trusted while the folder itself has not
+// changed since (any entry created, removed or renamed in it changes its times).
 
+#include <sys/stat.h>
+
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace corvalis {
 
 class CanonicalPathCache {
 public:
-    CanonicalPathCache() = default;
-    ~CanonicalPathCache();
-    CanonicalPathCache(const CanonicalPathCache&) = delete;
-    CanonicalPathCache& operator=(const CanonicalPathCache&) = delete;
-
+    // A new pass over the paths: each folder is looked at again, once.
+    void beginPass();
     // True when something that is not a symbolic link exists at `path`, and `path` is its canonical path.
     bool isCanonicalAndExists(const std::string& path);
 
 private:
     struct Folder {
-        int fd = -1;  // -1 when the folder is missing or not canonical
+        std::uint64_t pass = 0;
+        bool canonical = false;
+        struct stat seen {};
+        std::unordered_set<std::string> present;
     };
-    void forget();
-    int folderFor(std::string_view parent);
+    Folder& folderFor(std::string_view parent);
 
     std::unordered_map<std::string, Folder> folders_;
+    std::uint64_t pass_ = 1;
     // The folder of the previous path: members of a list mostly share one.
     std::string lastParent_;
-    int lastFd_ = -1;
+    Folder* last_ = nullptr;
 };
 
 }  // namespace corvalis

@@ -896,13 +896,13 @@ bool GroupsController::_updatePaths() {
     if (_view.isEditingName()) return false;
     bool changed = false;
     // Runs before every edit and on every activation: paths that are already canonical are passed quickly.
-    CanonicalPathCache canonical;
+    _canonicalPaths.beginPass();
     for (int group = 0; group < groupCount(); ++group) {
         std::optional<Array> members = applicationsOf(group);
         for (std::size_t i = 0; i < members->size(); ++i) {
             const Value& value = (*members)[i];
             const std::string* path = value[keys::Path].string();
-            if (path && value[keys::AliasData].data() && canonical.isCanonicalAndExists(*path)) continue;
+            if (path && value[keys::AliasData].data() && _canonicalPaths.isCanonicalAndExists(*path)) continue;
             std::optional<Dictionary> member = plist::asDictionary(value);
             if (!member || !CheckPath(*member, _workspace)) continue;
             changed = true;

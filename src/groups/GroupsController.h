@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "fileutils/CanonicalPathCache.h"
 #include "pane/EditorView.h"
 #include "pane/PaneController.h"
 #include "platform/NotificationCenter.h"
@@ -220,6 +221,7 @@ private:
     bool _keepAppsArranged = false;
     bool _showInfo = false;
     bool _abortingEdit = false;
+    CanonicalPathCache _canonicalPaths;
 };
 
 }  // namespace corvalis

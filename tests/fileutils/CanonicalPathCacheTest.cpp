@@ -28,4 +28,11 @@ TEST(CanonicalPathCache, OnlyExistingCanonicalPathsPass) {
     };
     CanonicalPathCache cache;
     for (const Case& c : cases) EXPECT_EQ(cache.isCanonicalAndExists(c.path), c.passes) << c.path;
+
+    // The next pass notices a file replaced by a link in a folder it trusted.
+    std::filesystem::rename(real / "apps" / "Mail.app", real / "Mail.app");
+    std::filesystem::create_symlink(real / "Mail.app", real / "apps" / "Mail.app");
+    cache.beginPass();
+    EXPECT_FALSE(cache.isCanonicalAndExists((real / "apps" / "Mail.app").string()));
+    EXPECT_TRUE(cache.isCanonicalAndExists((real / "Mail.app").string()));
 }

@@ -1,6 +1,9 @@
 #include "groups/ui/GroupsOutline.h"
 
+#include <QHelpEvent>
 #include <QStyledItemDelegate>
+#include <QToolTip>
+#include <algorithm>
 
 #include "controls/KVIconServices.h"
 #include "controls/KVTableView.h"
@@ -33,6 +36,21 @@ protected:
         option->icon = KVIconServices::sharedIcons().iconForPath(index.data(GroupsController::PathRole).toString(), &error);
         bool selected = option->state & QStyle::State_Selected;
         option->palette.setColor(QPalette::Text, KVIconServices::textColorForError(error, selected, option->palette));
+    }
+
+    // A row's tip shows only while the mouse is over its icon and text, not the empty rest of the row.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+        QStyleOptionViewItem item = option;
+        initStyleOption(&item, index);
+        int width = QFontMetrics(item.font).horizontalAdvance(item.text) + 3 + 3 + (item.icon.isNull() ? 0 : 16);
+        QRect area = option.rect;
+        area.setWidth(std::min(width, option.rect.width()));
+        if (!area.contains(event->pos())) {
+            QToolTip::hideText();
+            return true;
+        }
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
 
 private:

@@ -209,6 +209,10 @@ void GroupsTab::addScreenshotViews(ComKestrovaCorvalis_PrefsPane& pane) {
     for (const auto& [name, state] : states)
         pane.addScreenshotView(name, [this, showTab, state = state] {
             showTab();
+            // The selection that leads to the state where there is one; "no groups" can only be shown.
+            if (state == GroupOptionsState::NoGroupsSelected) selectRows({});
+            if (state == GroupOptionsState::MultipleGroups && controller_->groupCount() > 1)
+                selectRows({EditorRow{0}, EditorRow{1}});
             optionsBox_->showState(state);
             return true;
         });
