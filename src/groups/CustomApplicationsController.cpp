@@ -57,7 +57,7 @@ void CustomApplicationsController::updatePane(std::string& report) {
     });
     if (invalid == 0) return;
     std::string count = invalid == 1 ? LocalizedString("OneInvalidPath") : LocalizedFormat("MoreInvalidPaths", {invalid});
-    report += LocalizedFormat("CustomApplicationsSummary", {count});
+    report += LocalizedFormat("CustomApplicationsSummary", {count}) + "\n";
 }
 
 // Rows and records.

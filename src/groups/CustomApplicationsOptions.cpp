@@ -112,7 +112,7 @@ std::string customApplicationToolTip(const plist::Value& record) {
     LaunchOptions options = LaunchOptions::fromDictionary(record[keys::Options]);
     std::string tip = record[keys::Path].stringOr("");
     auto line = [&tip](bool on, const char* key) {
-        if (on) tip += LocalizedFormat("ToolTip4", {LocalizedString(key)});
+        if (on) tip += "\n" + LocalizedFormat("ToolTip4", {LocalizedString(key)});
     };
     line(options.dontActivate, "DontActivateAtLaunch");
     line(options.hide, options.hideMeOrOthers != 0 ? "HideOthersAtLaunch" : "HideAtLaunch");

@@ -2,10 +2,12 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <sstream>
 
 #include "text/Localization.h"
+#include "text/StringTables.h"
 
 using namespace corvalis;
 
@@ -35,4 +37,18 @@ TEST(Localization, EnglishTableHasEveryKeyTheCodeUses) {
         }
     }
     EXPECT_GT(checked, 0);
+}
+
+// The tables of a language form one table: a key defined in two files would mean
+// whichever file loads last, so each key is defined once per language.
+TEST(Localization, NoKeyIsDefinedTwiceInOneLanguage) {
+    std::regex definition(R"re(^\s*"([^"]+)"\s*=)re", std::regex::multiline);
+    std::map<std::pair<std::string, std::string>, int> definitions;
+    for (const StringTableSource& table : stringTableSources()) {
+        std::string text(table.text);
+        for (std::sregex_iterator it(text.begin(), text.end(), definition), end; it != end; ++it)
+            ++definitions[{std::string(table.language), (*it)[1].str()}];
+    }
+    ASSERT_FALSE(definitions.empty());
+    for (const auto& [key, count] : definitions) EXPECT_EQ(count, 1) << key.first << ": " << key.second;
 }
