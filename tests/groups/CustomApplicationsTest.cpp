@@ -300,7 +300,7 @@ TEST_F(CustomApplications, TheSummaryCountsMissingApplications) {
     start(Array{record(app("Here")), record((dir / "Gone.app").string()), record((dir / "Lost.app").string())});
     std::string report;
     controller.updatePane(report);
-    EXPECT_EQ(report, LocalizedFormat("CustomApplicationsSummary", {LocalizedFormat("MoreInvalidPaths", {2LL})}));
+    EXPECT_EQ(report, LocalizedFormat("CustomApplicationsSummary", {LocalizedFormat("MoreInvalidPaths", {2LL})}) + "\n");
     EXPECT_TRUE(controller.selectString("H"));
     EXPECT_EQ(view.selection, std::vector<int>{1});  // "Here", the first not sorting before "H"
     EXPECT_TRUE(controller.selectString("Zz"));

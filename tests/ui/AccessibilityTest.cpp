@@ -52,6 +52,8 @@ QStringList unnamed(QWidget* window) {
 
 // Focusable controls that Tab and Shift+Tab never reach.
 QStringList unreachable(QWidget* window) {
+    // Offscreen, a tool window that just closed may stay the active one.
+    QApplication::setActiveWindow(window);
     window->activateWindow();
     if (!QTest::qWaitForWindowActive(window)) return {"window " + window->windowTitle() + " not active"};
     QSet<QWidget*> reached;

@@ -399,6 +399,8 @@ QStringList ComKestrovaCorvalis_PrefsPane::screenshotViews() const {
 
 bool ComKestrovaCorvalis_PrefsPane::showScreenshotView(const QString& name) {
     if (QDialog* sheet = attachedSheet()) sheet->done(QDialog::Rejected);
+    // A view of the window alone: the browser ("window-" views) shown for an earlier view would cover it.
+    if (applicationsBrowser_ && !name.startsWith("window-")) applicationsBrowser_->closeBrowser();
     if (name.startsWith("tab-")) {
         for (int i = 0; i < tabs_->count(); ++i)
             if ("tab-" + tabs_->widget(i)->objectName() == name) {

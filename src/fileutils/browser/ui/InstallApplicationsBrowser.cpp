@@ -1,7 +1,6 @@
 #include "fileutils/browser/ui/InstallApplicationsBrowser.h"
 
 #include <QPointer>
-#include <QTimer>
 
 #include "fileutils/browser/ui/ApplicationsBrowserWindow.h"
 #include "pane/PaneController.h"
@@ -15,8 +14,6 @@ namespace {
 
 // Registered among the tab controllers only so that the pane destroys it with them.
 constexpr const char* kBrowserOwner = "ApplicationsBrowser";
-// Long enough for the screenshot of the browser, short enough to be gone for the next view.
-constexpr int kScreenshotShownMs = 450;
 
 class ApplicationsBrowserOwner : public PaneController {
 public:
@@ -42,17 +39,11 @@ void installApplicationsBrowser(ComKestrovaCorvalis_PrefsPane& pane) {
     QPointer<ApplicationsBrowserWindow> browser = owner->window();
     pane.setApplicationsBrowser(browser);
     pane.addTabController(kBrowserOwner, std::move(owner));
-    // One timer for both views: the second showing restarts it.
-    auto* hideAfterScreenshot = new QTimer(browser);
-    hideAfterScreenshot->setSingleShot(true);
-    hideAfterScreenshot->setInterval(kScreenshotShownMs);
-    QObject::connect(hideAfterScreenshot, &QTimer::timeout, browser, &QWidget::hide);
-    auto screenshot = [browser, hideAfterScreenshot](int tag) {
-        return [browser, hideAfterScreenshot, tag] {
+    auto screenshot = [browser](int tag) {
+        return [browser, tag] {
             if (!browser) return false;
             browser->showApplicationsBrowser();
             browser->controller().onShowWhat(tag, false);
-            hideAfterScreenshot->start();
             return true;
         };
     };
