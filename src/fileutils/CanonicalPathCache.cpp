@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "fileutils/PathLimits.h"
+#include "schema/PreferenceKeys.h"
 
 namespace corvalis {
 
@@ -70,6 +71,11 @@ bool CanonicalPathCache::isCanonicalAndExists(const std::string& path) {
     if (::lstat(path.c_str(), &info) != 0 || S_ISLNK(info.st_mode)) return false;
     folder.present.insert(std::move(name));
     return true;
+}
+
+bool CanonicalPathCache::isRecordCurrent(const plist::Value& record) {
+    const std::string* path = record[keys::Path].string();
+    return path && record[keys::AliasData].data() && isCanonicalAndExists(*path);
 }
 
 }  // namespace corvalis

@@ -13,6 +13,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "plist/Value.h"
+
 namespace corvalis {
 
 class CanonicalPathCache {
@@ -21,6 +23,9 @@ public:
     void beginPass();
     // True when something that is not a symbolic link exists at `path`, and `path` is its canonical path.
     bool isCanonicalAndExists(const std::string& path);
+    // True when checking the record's path would leave it as it is: it has alias
+    // data, and its "Path" names an existing file canonically.
+    bool isRecordCurrent(const plist::Value& record);
 
 private:
     struct Folder {

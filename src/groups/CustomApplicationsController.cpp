@@ -188,10 +188,12 @@ bool CustomApplicationsController::selectString(const std::string& typed) {
 
 void CustomApplicationsController::_updatePaths() {
     bool changed = false;
+    // Runs before every action: applications that are where they were are passed quickly.
+    _canonicalPaths.beginPass();
     for (const plist::Value& value : _applications) {
         std::optional<plist::Dictionary> record = plist::asDictionary(value);
         if (!record) continue;
-        if (CheckPath(*record)) {
+        if (!_canonicalPaths.isRecordCurrent(value) && CheckPath(*record)) {
             normalizeOptions(*record, _architectures);
             record->set(keys::Updated, true);
             changed = true;

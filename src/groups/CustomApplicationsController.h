@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "fileutils/CanonicalPathCache.h"
 #include "groups/CustomApplicationsOptions.h"
 #include "pane/EditorView.h"
 #include "platform/NotificationCenter.h"
@@ -101,6 +102,7 @@ private:
     CustomApplicationsView& _view;
     ApplicationArchitectures _architectures;
     plist::Array _applications;
+    CanonicalPathCache _canonicalPaths;
     bool _showInfo = false;
     bool _updateAllOptions = true;
     bool _sheetShown = false;

@@ -901,8 +901,7 @@ bool GroupsController::_updatePaths() {
         std::optional<Array> members = applicationsOf(group);
         for (std::size_t i = 0; i < members->size(); ++i) {
             const Value& value = (*members)[i];
-            const std::string* path = value[keys::Path].string();
-            if (path && value[keys::AliasData].data() && _canonicalPaths.isCanonicalAndExists(*path)) continue;
+            if (_canonicalPaths.isRecordCurrent(value)) continue;
             std::optional<Dictionary> member = plist::asDictionary(value);
             if (!member || !CheckPath(*member, _workspace)) continue;
             changed = true;

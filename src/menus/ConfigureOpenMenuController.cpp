@@ -5,6 +5,7 @@
 #include <set>
 
 #include "fileutils/AliasResolution.h"
+#include "fileutils/CanonicalPathCache.h"
 #include "fileutils/DisplayNames.h"
 #include "fileutils/PathChecking.h"
 #include "fileutils/PathLimits.h"
@@ -248,7 +249,10 @@ bool ConfigureOpenMenuController::dropFiles(const std::vector<std::string>& path
 
 void ConfigureOpenMenuController::_updatePaths(bool saveChanges) {
     bool changed = false;
+    // Runs before every action: folders that are where they were are passed quickly.
+    _canonicalPaths.beginPass();
     for (int row = 0; row < rowCount(); ++row) {
+        if (_canonicalPaths.isRecordCurrent(_menuItems[row])) continue;
         std::optional<Dictionary> record = plist::asDictionary(_menuItems[row]);
         if (!record || !record->contains(keys::Path) || !CheckOpenMenuItemPath(*record)) continue;
         synchronizeBrowser(row, true, false);

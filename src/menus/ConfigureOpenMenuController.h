@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 
+#include "fileutils/CanonicalPathCache.h"
 #include "menus/MenuItemListModel.h"
 #include "platform/NotificationCenter.h"
 
@@ -82,6 +83,7 @@ private:
     bool _hierarchical = false;
     bool _synchronizationOff = false;
     std::vector<NotificationCenter::Token> _observers;
+    CanonicalPathCache _canonicalPaths;
 };
 
 // A new folder record for an existing folder: its display name, depths of 2, alias data when it has some.
