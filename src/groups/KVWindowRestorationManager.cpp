@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "fileutils/DisplayNames.h"
+#include "fileutils/PathPredicates.h"
 #include "platform/FileDomainStore.h"
 #include "platform/Workspace.h"
 #include "plist/PlistIO.h"
@@ -115,7 +116,16 @@ void KVWindowRestorationManager::reloadApplications() {
         }
         auto application = applications.find(name);
         if (application == applications.end()) application = applications.find(name + kDesktopSuffix);
-        if (application == applications.end()) continue;
+        if (application == applications.end()) {
+            // Deleted or moved while listed: the row stays, at its old path, until the user removes it.
+            auto listed = std::find_if(_applications.begin(), _applications.end(), [&name](const ApplicationDescription& a) {
+                return a.bundleIdentifier == name;
+            });
+            if (listed != _applications.end() && !IsValid(listed->applicationPath))
+                found.push_back({name, *keeps, sandboxed, listed->applicationPath, listed->applicationName,
+                                 runningWithIdentifier(running, name), true});
+            continue;
+        }
         found.push_back({name, *keeps, sandboxed, application->second, LocalizedApplicationName(application->second),
                          runningWithIdentifier(running, name), true});
     }

@@ -43,7 +43,8 @@ public:
     KVWindowRestorationManager(const KVWindowRestorationManager&) = delete;
     KVWindowRestorationManager& operator=(const KVWindowRestorationManager&) = delete;
 
-    // Every installed application whose domain (or container) holds the key.
+    // Every installed application whose domain (or container) holds the key, and those listed
+    // before whose path has vanished since, while their domain still holds it.
     void reloadApplications();
     const std::vector<ApplicationDescription>& applications() const { return _applications; }
     std::vector<ApplicationDescription>& applications() { return _applications; }

@@ -42,6 +42,15 @@ void WindowRestorationController::initializePane(bool) {
     _initSelection = true;
 }
 
+void WindowRestorationController::updatePane(std::string& report) {
+    long long invalid = 0;
+    for (int row = 0; row < applicationsCount(); ++row)
+        if (!IsValid(find(row)->applicationPath)) ++invalid;
+    if (invalid == 0) return;
+    std::string count = invalid == 1 ? LocalizedString("OneInvalidPath") : LocalizedFormat("MoreInvalidPaths", {invalid});
+    report += LocalizedFormat("WindowRestorationSummary", {count}) + "\n";
+}
+
 void WindowRestorationController::willShowPane() {
     if (!_observer) {
         auto changed = [this](const RunningApplication&) { _synchronizeList(); };
@@ -172,6 +181,19 @@ void WindowRestorationController::addApplicationAtPath(const std::string& path) 
     }
     std::optional<ApplicationDescription> application = _manager.createApplicationDescriptionWithURL(path);
     if (!application) return;
+    // A row kept for a vanished copy of the same application moves to this one, its policy unchanged.
+    for (int row = 0; row < applicationsCount(); ++row) {
+        if (find(row)->bundleIdentifier != application->bundleIdentifier) continue;
+        beginResetModel();
+        at(row).applicationPath = application->applicationPath;
+        at(row).applicationName = application->applicationName;
+        at(row).running = application->running;
+        _arranged = arrangedApplications(_manager.applications());
+        endResetModel();
+        selectAndScroll({*sortedIndexOfApplicationAtURL(path)});
+        _prefs.setOpenPanelPath(path, keys::AddApplicationPath);
+        return;
+    }
     if (!application->running.empty()) {
         _view.beep();
         return;

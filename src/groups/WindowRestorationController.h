@@ -39,6 +39,8 @@ public:
     ~WindowRestorationController() override;
 
     void initializePane(bool firstTime);
+    // Counts the listed applications that can no longer be found, as the other tabs do.
+    void updatePane(std::string& report);
     void willShowPane();
     void willHidePane();
     void windowDidBecomeMain() { _synchronizeList(); }

@@ -17,7 +17,8 @@ const std::vector<std::string>& PaneControllers::initializeOrder() {
 }
 
 const std::vector<std::string>& PaneControllers::reportOrder() {
-    static const std::vector<std::string> order = {tabs::Groups, tabs::Applications, tabs::Menus, tabs::Shortcuts};
+    static const std::vector<std::string> order = {tabs::Groups, tabs::Applications, tabs::Menus, tabs::Shortcuts,
+                                                   tabs::Resume};
     return order;
 }
 

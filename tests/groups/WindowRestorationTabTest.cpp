@@ -9,11 +9,13 @@
 #include "controls/KVServicesBar.h"
 #include "controls/KVTableView.h"
 #include "groups/ui/WindowRestorationTab.h"
+#include "pane/ItemRoles.h"
 #include "plist/PlistIO.h"
 #include "support/FakeRunningApplications.h"
 #include "support/FakeWorkspace.h"
 #include "support/IntegrationSupport.h"
 #include "support/PrefsFixture.h"
+#include "text/Localization.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
@@ -59,4 +61,38 @@ TEST(WindowRestorationTab, ChangingAndRemovingFromTheTableWriteTheApplicationsFi
     EXPECT_FALSE(tab.servicesBar()->removeButton()->isEnabled());
     tab.willHidePane();
     EXPECT_EQ(running.observerCount(), 0u);
+}
+
+// A listed application deleted while the tab is shown keeps its row, drawn as missing.
+TEST(WindowRestorationTab, AnApplicationDeletedWhileShownStaysAsMissing) {
+    test::TempDir dir;
+    test::MemoryDomainStore domains;
+    InProcessNotificationCenter bus;
+    CorvalisPreferences prefs(domains, bus);
+    test::FakeWorkspace workspace;
+    test::FakeRunningApplications running;
+    std::string editor = test::makeBundle(dir / "Applications", "Editor", "org.editor").string();
+    workspace.addApplication(editor, "org.editor");
+    fs::path file = dir / "Preferences" / "org.editor.plist";
+    fs::create_directories(file.parent_path());
+    test::writeFile(file, toXml(Dictionary{{kWindowPersistenceKey, true}}));
+
+    QWidget window;
+    WindowRestorationTab tab(prefs, workspace, running, {dir / "Preferences", dir / "containers"}, new QWidget(&window),
+                             &window);
+    tab.initializePane(true);
+    tab.willShowPane();
+    QModelIndex name = tab.table()->model()->index(0, WindowRestorationController::ApplicationColumn);
+    EXPECT_EQ(name.data(ErrorCodeRole).toInt(), 0);
+
+    fs::remove_all(editor);
+    workspace.applications.clear();
+    tab.windowDidBecomeMain();
+    ASSERT_EQ(tab.table()->model()->rowCount(), 1);
+    name = tab.table()->model()->index(0, WindowRestorationController::ApplicationColumn);
+    EXPECT_EQ(name.data(ErrorCodeRole).toInt(), 1);
+    EXPECT_TRUE(tab.servicesBar()->removeButton()->isEnabled());
+    std::string report;
+    tab.updatePane(report);
+    EXPECT_EQ(report, LocalizedFormat("WindowRestorationSummary", {LocalizedString("OneInvalidPath")}) + "\n");
 }

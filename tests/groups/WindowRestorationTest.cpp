@@ -242,3 +242,60 @@ TEST_F(WindowRestoration, DropsTakeExactlyOneApplicationThatIsNotRunning) {
     EXPECT_TRUE(controller.selectString("zz"));
     EXPECT_EQ(view.selection, std::vector<int>{0});
 }
+
+TEST_F(WindowRestoration, AnApplicationThatVanishesWhileListedStaysCountedUntilRemoved) {
+    std::string gone = install("Gone", "org.gone");
+    std::string kept = install("Kept", "org.kept");
+    for (const char* id : {"org.gone", "org.kept"})
+        writeDomain(preferences / (std::string(id) + ".plist"), Dictionary{{kWindowPersistenceKey, true}, {"Other", true}});
+    auto uninstall = [&](const std::string& path) {
+        fs::remove_all(path);
+        std::erase(workspace.applications, path);
+        workspace.identifiers.erase(path);
+    };
+    controller.willShowPane();
+    QAbstractItemModelTester tester(&controller, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    std::string report;
+    controller.updatePane(report);
+    EXPECT_EQ(report, "");
+
+    uninstall(gone);
+    uninstall(kept);
+    controller.windowDidBecomeMain();
+    controller.windowDidBecomeMain();  // kept across every rescan, at the old path
+    ASSERT_EQ(listed(), (std::vector<std::string>{"org.gone", "org.kept"}));
+    EXPECT_EQ(controller.pathOfApplicationAtSortedIndex(0), gone);
+    EXPECT_EQ(view.selection, std::vector<int>{0});
+    controller.updatePane(report);
+    EXPECT_EQ(report, LocalizedFormat("WindowRestorationSummary", {LocalizedFormat("MoreInvalidPaths", {2LL})}) + "\n");
+
+    // Removing deletes the key as for any application; another program removing it drops the row too.
+    view.selection = {0};
+    controller.onRemoveApplication();
+    EXPECT_EQ(Value(read(preferences / "org.gone.plist")), Value(Dictionary{{"Other", true}}));
+    writeDomain(preferences / "org.kept.plist", Dictionary{{"Other", true}});
+    controller.windowDidBecomeMain();
+    EXPECT_TRUE(listed().empty());
+}
+
+TEST_F(WindowRestoration, AddingAMovedApplicationTakesOverItsKeptRowAndPolicy) {
+    std::string old = install("Mover", "org.mover");
+    writeDomain(preferences / "org.mover.plist", Dictionary{{kWindowPersistenceKey, true}});
+    controller.willShowPane();
+    std::string moved = (dir / "Elsewhere" / "Mover.app").string();
+    fs::create_directories(dir / "Elsewhere");
+    fs::rename(old, moved);
+    workspace.identifiers.erase(old);
+    workspace.applications.clear();
+    controller.windowDidBecomeMain();
+    ASSERT_EQ(controller.pathOfApplicationAtSortedIndex(0), old);
+
+    workspace.identifiers[moved] = "org.mover";
+    controller.addApplicationAtPath(moved);
+    EXPECT_EQ(listed(), std::vector<std::string>{"org.mover"});
+    EXPECT_EQ(controller.pathOfApplicationAtSortedIndex(0), moved);
+    EXPECT_EQ(read(preferences / "org.mover.plist")[kWindowPersistenceKey].boolean(), true);
+    std::string report;
+    controller.updatePane(report);
+    EXPECT_EQ(report, "");
+}

@@ -50,7 +50,7 @@ TEST_F(Registry, EveryTabIsSetUpAndReportsInItsFixedOrder) {
 
     std::string report;
     registry.updatePanes(report);
-    EXPECT_EQ(report, "Groups;Applications;Menus;Shortcuts;");
+    EXPECT_EQ(report, "Groups;Applications;Menus;Shortcuts;Resume;");
 
     // A tab unknown to the orders still takes part, last; a second controller replaces the first.
     FakeTab extra("Extra", log), menus("Menus2", log);

@@ -30,6 +30,7 @@ public:
     static std::unique_ptr<WindowRestorationTab> create(ComKestrovaCorvalis_PrefsPane& pane);
 
     void initializePane(bool firstTime) override { controller_->initializePane(firstTime); }
+    void updatePane(std::string& report) override { controller_->updatePane(report); }
     void willShowPane() override { controller_->willShowPane(); }
     void willHidePane() override { controller_->willHidePane(); }
     void windowDidBecomeMain() override { controller_->windowDidBecomeMain(); }
