@@ -85,6 +85,8 @@ public:
     Qt::DropActions supportedDragActions() const override { return Qt::MoveAction | Qt::CopyAction; }
 
     EditorRow rowOf(const QModelIndex& index) const;
+    // While a sheet is over the window no drop is taken.
+    void setSheetShown(bool shown) { _sheetShown = shown; }
     QModelIndex indexOf(const EditorRow& row) const;
 
     // Selection, as the outline reports it.
@@ -221,6 +223,7 @@ private:
     bool _keepAppsArranged = false;
     bool _showInfo = false;
     bool _abortingEdit = false;
+    bool _sheetShown = false;
     CanonicalPathCache _canonicalPaths;
 };
 
