@@ -95,6 +95,9 @@ public:
     // A row may join the current selection only when it is of the same kind.
     bool canJoinSelection(const EditorRow& row) const;
     std::optional<int> selectedGroupIndex() const;
+    // Type-to-select: among the groups, or the selected member's group's members, the first name
+    // in name order not before `typed` (else the last) becomes the selection. False with no rows.
+    bool selectString(const std::string& typed);
     std::optional<plist::Dictionary> selectedGroup() const;
     GroupOptionsState optionsState() const;
 

@@ -171,6 +171,37 @@ TEST_F(GroupsTest, MembersDroppedBetweenMembersLandThereUnlessArranged) {
     }
 }
 
+TEST_F(GroupsTest, TypingSelectsByNameOrderAmongGroupsOrTheSelectedMembersGroup) {
+    std::string one = app("One"), two = app("Two"), three = app("Three");
+    struct Case {
+        std::vector<EditorRow> selected;
+        std::string typed;
+        EditorRow expected;
+    } cases[] = {
+        // Groups in the outline: Mail, apple, Zebra, Notes (not arranged).
+        {{}, "a", {1}},
+        {{}, "M", {0}},
+        {{}, "mb", {3}},
+        {{}, "o", {2}},
+        {{}, "zzz", {2}},
+        {{EditorRow{3}}, "ap", {1}},
+        // Members of Notes: Two, One, Three.
+        {{EditorRow{0, 3}}, "t", {2, 3}},
+        {{EditorRow{2, 3}}, "o", {1, 3}},
+        {{EditorRow{1, 3}}, "tw", {0, 3}},
+        {{EditorRow{1, 3}}, "zz", {0, 3}},
+    };
+    for (const Case& c : cases) {
+        openWithGroups({group("Mail"), group("apple"), group("Zebra"), group("Notes", {member(two), member(one), member(three)})});
+        view.selectRows(c.selected);
+        ASSERT_TRUE(groups->selectString(c.typed)) << c.typed;
+        EXPECT_EQ(groups->selectedRows(), std::vector<EditorRow>{c.expected}) << c.typed;
+    }
+    openWithGroups({});
+    EXPECT_FALSE(groups->selectString("a"));
+    EXPECT_TRUE(groups->selectedRows().empty());
+}
+
 TEST_F(GroupsTest, MembersDraggedToAnotherGroupMoveOrWithTheCopyModifierCopy) {
     std::string one = app("One"), two = app("Two");
     for (Qt::DropAction action : {Qt::MoveAction, Qt::CopyAction}) {

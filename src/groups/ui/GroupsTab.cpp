@@ -47,6 +47,7 @@ GroupsTab::GroupsTab(ComKestrovaCorvalis_PrefsPane& pane, QObject* parent)
     left->setSpacing(0);
     outline_ = makeGroupsOutline(*controller_, *icons_, content_);
     setItemView(outline_);
+    outline_->setTypeToSelect([this](const QString& typed) { return controller_->selectString(typed.toStdString()); });
     outline_->installEventFilter(this);
     left->addWidget(outline_, 1);
     bar_ = new KVServicesBar(content_);
