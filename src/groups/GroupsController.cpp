@@ -320,6 +320,22 @@ void GroupsController::selectAndScroll(const std::vector<EditorRow>& rows) {
     emit optionsNeedRefresh();
 }
 
+bool GroupsController::selectString(const std::string& typed) {
+    // Members are searched only when a member is selected, so typing never leaves its level.
+    bool members = !_selection.empty() && !isGroupRow(_selection.front());
+    int group = members ? _selection.front().group : -1;
+    std::vector<std::string> names = members ? memberNames(applicationsOf(group).value_or(Array())) : groupNames();
+    if (names.empty()) return false;
+    // Rows need not be arranged, so the order is the names' own, not the rows'.
+    std::optional<std::size_t> found, last;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (finderCompare(names[i], typed) >= 0 && (!found || finderCompare(names[i], names[*found]) < 0)) found = i;
+        if (!last || finderCompare(names[i], names[*last]) > 0) last = i;
+    }
+    selectAndScroll({EditorRow{static_cast<int>(found.value_or(*last)), group}});
+    return true;
+}
+
 void GroupsController::expandAndSelectMembers(int group, const std::vector<std::string>& paths) {
     _view.expandGroup(group);
     std::vector<EditorRow> rows;

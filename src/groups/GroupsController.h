@@ -85,6 +85,8 @@ public:
     Qt::DropActions supportedDragActions() const override { return Qt::MoveAction | Qt::CopyAction; }
 
     EditorRow rowOf(const QModelIndex& index) const;
+    // While a sheet is over the window no drop is taken.
+    void setSheetShown(bool shown) { _sheetShown = shown; }
     QModelIndex indexOf(const EditorRow& row) const;
 
     // Selection, as the outline reports it.
@@ -93,6 +95,9 @@ public:
     // A row may join the current selection only when it is of the same kind.
     bool canJoinSelection(const EditorRow& row) const;
     std::optional<int> selectedGroupIndex() const;
+    // Type-to-select: among the groups, or the selected member's group's members, the first name
+    // in name order not before `typed` (else the last) becomes the selection. False with no rows.
+    bool selectString(const std::string& typed);
     std::optional<plist::Dictionary> selectedGroup() const;
     GroupOptionsState optionsState() const;
 
@@ -221,6 +226,7 @@ private:
     bool _keepAppsArranged = false;
     bool _showInfo = false;
     bool _abortingEdit = false;
+    bool _sheetShown = false;
     CanonicalPathCache _canonicalPaths;
 };
 

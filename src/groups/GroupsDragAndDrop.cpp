@@ -47,11 +47,12 @@ QMimeData* GroupsController::mimeData(const QModelIndexList& indexes) const {
 }
 
 bool GroupsController::canDropMimeData(const QMimeData* data, Qt::DropAction, int, int, const QModelIndex& parent) const {
-    if (!data) return false;
+    // A sheet over the window holds every drop until it closes.
+    if (!data || _sheetShown) return false;
     if (data->hasFormat(kGroupsMimeType))
         return !parent.isValid() && !_draggedItems.empty() && isGroupRow(_draggedItems.front());
-    // Members and files go on or into a group; a drop on a member goes into its group at its place.
-    if (!parent.isValid()) return false;
+    // Members and files go on a group or between its members, never on a member row.
+    if (!parent.isValid() || !isGroupRow(rowOf(parent))) return false;
     if (data->hasFormat(kApplicationsMimeType)) return !_draggedItems.empty() && !isGroupRow(_draggedItems.front());
     if (data->hasUrls()) {
         std::vector<std::string> files = localFiles(data);
@@ -68,11 +69,10 @@ bool GroupsController::dropMimeData(const QMimeData* data, Qt::DropAction action
         if (data->hasFormat(kGroupsMimeType)) {
             accepted = dropGroups(row < 0 ? groupCount() : row);
         } else {
-            EditorRow target = rowOf(parent);
-            int group = isGroupRow(target) ? target.row : target.group;
-            int position = isGroupRow(target) ? row : target.row;
-            // Unarranged members: a drop on the group itself lands at the top.
-            if (position < 0) position = 0;
+            int group = rowOf(parent).row;
+            // A drop on the group itself lands at the top; arranged members take their name
+            // place wherever they were dropped, so a drop between them counts as one on the group.
+            int position = row < 0 || _keepAppsArranged ? 0 : row;
             _updatePaths();
             accepted = data->hasFormat(kApplicationsMimeType) ? dropApplications(action == Qt::CopyAction, position, group)
                                                               : dropFiles(data, position, group);

@@ -8,8 +8,8 @@
 
 using namespace corvalis;
 
-// Icon data that does not decode gives no icon and no crash; files too big are refused.
-TEST(GroupIcons, BadDataShowsNoIconAndHugeImagesAreRefused) {
+// Icon data that does not decode gives no icon and no crash; images too big are not decoded.
+TEST(GroupIcons, BadDataShowsNoIconAndHugeImagesAreNotDecoded) {
     QImage image(64, 32, QImage::Format_ARGB32);
     image.fill(Qt::blue);
     QByteArray icns = GroupIcons::encodeIcns(image);
@@ -27,7 +27,12 @@ TEST(GroupIcons, BadDataShowsNoIconAndHugeImagesAreRefused) {
     QImage huge(GroupIcons::kMaxSide + 1, 8, QImage::Format_RGB32);
     huge.fill(Qt::red);
     ASSERT_TRUE(huge.save(wide));
-    EXPECT_FALSE(GroupIcons::icnsForFile(wide));
+    // Too big to read: its file's icon stands in, never the image itself.
+    if (std::optional<QByteArray> fallback = GroupIcons::icnsForFile(wide)) {
+        std::optional<QImage> shown = GroupIcons::decodeIcns(*fallback);
+        ASSERT_TRUE(shown);
+        EXPECT_NE(shown->pixelColor(shown->width() / 2, shown->height() / 2), QColor(Qt::red));
+    }
     // A chosen .icns keeps its own bytes; one that does not decode is not taken as icon data.
     QString own = QString::fromStdString((dir / "own.icns").string()), broken = QString::fromStdString((dir / "broken.icns").string());
     {

@@ -117,6 +117,91 @@ TEST_F(GroupsTest, DroppedFilesAreAddedOnceMovedWhenUnarrangedAndNonApplications
     }
 }
 
+TEST_F(GroupsTest, DropsLandOnOrIntoGroupsOnlyAndWaitForAnOpenSheet) {
+    std::string one = app("One"), two = app("Two"), three = app("Three");
+    enum Kind { Files, Members, Groups };
+    enum Target { Root, Group, Member };
+    struct Case {
+        Kind kind;
+        Target target;
+        int row;
+        bool sheet;
+        bool accepted;
+    } cases[] = {
+        {Files, Group, -1, false, true},    {Files, Group, 1, false, true},     {Files, Member, -1, false, false},
+        {Files, Root, -1, false, false},    {Files, Root, 1, false, false},     {Files, Group, -1, true, false},
+        {Members, Group, -1, false, true},  {Members, Group, 0, false, true},   {Members, Member, -1, false, false},
+        {Members, Root, 0, false, false},   {Members, Group, -1, true, false},  {Groups, Root, -1, false, true},
+        {Groups, Root, 1, false, true},     {Groups, Group, -1, false, false},  {Groups, Member, -1, false, false},
+        {Groups, Root, -1, true, false},
+    };
+    for (const Case& c : cases) {
+        openWithGroups({group("A", {member(one), member(two)}), group("B", {member(three)})});
+        std::unique_ptr<QMimeData> data(c.kind == Files     ? files({three})
+                                        : c.kind == Members ? groups->mimeData({memberIndex(1, 0)})
+                                                            : groups->mimeData({groupIndex(1)}));
+        ASSERT_TRUE(data);
+        QModelIndex parent = c.target == Root ? QModelIndex() : c.target == Group ? groupIndex(0) : memberIndex(0, 1);
+        groups->setSheetShown(c.sheet);
+        std::string where = std::to_string(c.kind) + "/" + std::to_string(c.target) + "/" + std::to_string(c.row) +
+                            (c.sheet ? " under a sheet" : "");
+        EXPECT_EQ(groups->canDropMimeData(data.get(), Qt::MoveAction, c.row, 0, parent), c.accepted) << where;
+        EXPECT_EQ(groups->dropMimeData(data.get(), Qt::MoveAction, c.row, 0, parent), c.accepted) << where;
+        // A refused drop leaves the outline as it was.
+        if (!c.accepted) {
+            EXPECT_EQ(memberNames(0), (std::vector<std::string>{"One", "Two"})) << where;
+            EXPECT_EQ(names(), (std::vector<std::string>{"A", "B"})) << where;
+        }
+    }
+}
+
+TEST_F(GroupsTest, MembersDroppedBetweenMembersLandThereUnlessArranged) {
+    std::string one = app("One"), two = app("Two"), zed = app("Zed");
+    struct Case {
+        bool arranged;
+        int row;
+        std::vector<std::string> expected;
+    } cases[] = {{false, 1, {"One", "Zed", "Two"}}, {false, -1, {"Zed", "One", "Two"}}, {true, 1, {"One", "Two", "Zed"}}};
+    for (const Case& c : cases) {
+        openWithGroups({group("A", {member(one), member(two)}), group("B", {member(zed)})}, c.arranged, 2);
+        std::unique_ptr<QMimeData> data(groups->mimeData({memberIndex(1, 0)}));
+        ASSERT_TRUE(groups->dropMimeData(data.get(), Qt::MoveAction, c.row, 0, groupIndex(0)));
+        EXPECT_EQ(memberNames(0), c.expected) << c.arranged << " " << c.row;
+        EXPECT_TRUE(memberNames(1).empty());
+    }
+}
+
+TEST_F(GroupsTest, TypingSelectsByNameOrderAmongGroupsOrTheSelectedMembersGroup) {
+    std::string one = app("One"), two = app("Two"), three = app("Three");
+    struct Case {
+        std::vector<EditorRow> selected;
+        std::string typed;
+        EditorRow expected;
+    } cases[] = {
+        // Groups in the outline: Mail, apple, Zebra, Notes (not arranged).
+        {{}, "a", {1}},
+        {{}, "M", {0}},
+        {{}, "mb", {3}},
+        {{}, "o", {2}},
+        {{}, "zzz", {2}},
+        {{EditorRow{3}}, "ap", {1}},
+        // Members of Notes: Two, One, Three.
+        {{EditorRow{0, 3}}, "t", {2, 3}},
+        {{EditorRow{2, 3}}, "o", {1, 3}},
+        {{EditorRow{1, 3}}, "tw", {0, 3}},
+        {{EditorRow{1, 3}}, "zz", {0, 3}},
+    };
+    for (const Case& c : cases) {
+        openWithGroups({group("Mail"), group("apple"), group("Zebra"), group("Notes", {member(two), member(one), member(three)})});
+        view.selectRows(c.selected);
+        ASSERT_TRUE(groups->selectString(c.typed)) << c.typed;
+        EXPECT_EQ(groups->selectedRows(), std::vector<EditorRow>{c.expected}) << c.typed;
+    }
+    openWithGroups({});
+    EXPECT_FALSE(groups->selectString("a"));
+    EXPECT_TRUE(groups->selectedRows().empty());
+}
+
 TEST_F(GroupsTest, MembersDraggedToAnotherGroupMoveOrWithTheCopyModifierCopy) {
     std::string one = app("One"), two = app("Two");
     for (Qt::DropAction action : {Qt::MoveAction, Qt::CopyAction}) {

@@ -18,6 +18,7 @@
 #include "controls/KVServicesBar.h"
 #include "controls/KVTableView.h"
 #include "groups/GroupOptions.h"
+#include "groups/ui/GroupIcons.h"
 #include "groups/ui/GroupOptionsBox.h"
 #include "groups/ui/GroupsTab.h"
 #include "keys/KeyStrings.h"
@@ -144,6 +145,39 @@ TEST_F(GroupsTabTest, ArrangementMenuAndCustomIconFromAPng) {
     ASSERT_TRUE(record[keys::IconData].data());
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(record[keys::IconData].data()->data()), 4), "icns");
     EXPECT_FALSE(groups->index(0, 0).data(GroupsController::IconDataRole).toByteArray().isEmpty());
+}
+
+// A chosen file that gives no image of its own (too big, or icon data that does not decode)
+// falls back to its file's icon, or to no icon; the group never keeps the icon it had.
+TEST_F(GroupsTabTest, AnUnusableIconFileReplacesTheOldIconWithItsFileIconOrNone) {
+    QImage red(16, 16, QImage::Format_ARGB32);
+    red.fill(Qt::red);
+    QByteArray old = GroupIcons::encodeIcns(red);
+    QImage huge(GroupIcons::kMaxSide + 1, 8, QImage::Format_RGB32);
+    huge.fill(Qt::blue);
+    ASSERT_TRUE(huge.save(QString::fromStdString((dir / "huge.png").string())));
+    test::writeFile(dir / "broken.icns", std::string("icns\x00\x00\x00\x08", 8));
+    for (const char* name : {"huge.png", "broken.icns"}) {
+        Dictionary custom = group("a");
+        custom.set(keys::Icon, std::string("Custom 1"));
+        custom.set(keys::IconData, Data(old.begin(), old.end()));
+        open(Array{custom});
+        outline->setCurrentIndex(groups->index(0, 0));
+        box()->chooseIcon(box()->iconMenu()->count() - 1);
+        auto* dialog = window->findChild<QFileDialog*>();
+        ASSERT_TRUE(dialog);
+        dialog->selectFile(QString::fromStdString((dir / name).string()));
+        QMetaObject::invokeMethod(dialog, "accept");
+        Dictionary record = *groups->groupAt(0);
+        std::string icon = record[keys::Icon].stringOr("?");
+        if (const Data* data = record[keys::IconData].data()) {
+            EXPECT_NE(QByteArray(reinterpret_cast<const char*>(data->data()), static_cast<qsizetype>(data->size())), old) << name;
+            EXPECT_NE(icon.find("Custom"), std::string::npos) << name;
+        } else {
+            EXPECT_EQ(icon, "") << name;
+        }
+        EXPECT_EQ(pane->prefs().getOpenPanelPathForKey(keys::AddFileFolderPath), dir.path().string()) << name;
+    }
 }
 
 // On the session bus: adding a group tells the controller of the groups, then of the group's

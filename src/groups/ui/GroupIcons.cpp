@@ -85,11 +85,11 @@ std::optional<QByteArray> GroupIcons::icnsForFile(const QString& path) {
     if (info.isFile()) {
         QImageReader reader(path);
         if (reader.canRead()) {
-            // An image that is too big is refused, not replaced by its file-type icon.
-            std::optional<QImage> image = readBounded(reader);
-            if (!image) return std::nullopt;
-            QByteArray bytes = encodeIcns(*image);
-            return bytes.isEmpty() ? std::nullopt : std::optional(bytes);
+            // An image too big to read, like any file we cannot take, falls back to its file's icon.
+            if (std::optional<QImage> image = readBounded(reader)) {
+                QByteArray bytes = encodeIcns(*image);
+                if (!bytes.isEmpty()) return bytes;
+            }
         }
     }
     int error = 0;

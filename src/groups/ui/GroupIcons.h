@@ -18,7 +18,7 @@ public:
     static QIcon builtIn(const QString& iconName);
     // ICNS bytes of the icon standing for a chosen file: a valid .icns keeps its own bytes,
     // another image is scaled and written as ICNS, anything else gives its file-type icon.
-    // None when nothing usable came out (the file cannot be read, or the image is too big).
+    // An image too big to read gives its file-type icon too; none when nothing usable came out.
     static std::optional<QByteArray> icnsForFile(const QString& path);
     // The image in ICNS bytes, or none when they do not decode within the limits.
     static std::optional<QImage> decodeIcns(const QByteArray& data);

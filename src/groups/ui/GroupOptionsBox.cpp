@@ -168,13 +168,8 @@ void GroupOptionsBox::chooseIcon(int index) {
             return;
         }
         std::optional<QByteArray> bytes = GroupIcons::icnsForFile(QString::fromStdString(paths.front()));
-        // Nothing usable (unreadable, or an image too big to take): the group keeps its icon.
-        if (!bytes) {
-            view_.beep();
-            synchronize();
-            return;
-        }
-        options_.setIcon(kCustomIcon, plist::Data(bytes->begin(), bytes->end()));
+        // A file that gives no icon at all leaves the group with none, not with the one it had.
+        options_.setIcon(kCustomIcon, bytes ? std::optional(plist::Data(bytes->begin(), bytes->end())) : std::nullopt);
         prefs_.setOpenPanelPath(paths.front(), keys::AddFileFolderPath);
     });
 }

@@ -47,6 +47,7 @@ GroupsTab::GroupsTab(ComKestrovaCorvalis_PrefsPane& pane, QObject* parent)
     left->setSpacing(0);
     outline_ = makeGroupsOutline(*controller_, *icons_, content_);
     setItemView(outline_);
+    outline_->setTypeToSelect([this](const QString& typed) { return controller_->selectString(typed.toStdString()); });
     outline_->installEventFilter(this);
     left->addWidget(outline_, 1);
     bar_ = new KVServicesBar(content_);
@@ -175,6 +176,22 @@ void GroupsTab::collapseAll() { outline_->collapseAll(); }
 
 // An open name editor is the current row's index widget.
 bool GroupsTab::isEditingName() const { return outline_->indexWidget(outline_->currentIndex()) != nullptr; }
+
+void GroupsTab::ask(const EditorAlert& alert, std::function<void(int button)> answer) {
+    if (sheets_++ == 0) controller_->setSheetShown(true);
+    QtEditorView::ask(alert, [this, answer = std::move(answer)](int button) {
+        if (--sheets_ == 0) controller_->setSheetShown(false);
+        if (answer) answer(button);
+    });
+}
+
+void GroupsTab::pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string> paths)> picked) {
+    if (sheets_++ == 0) controller_->setSheetShown(true);
+    QtEditorView::pickFiles(panel, [this, picked = std::move(picked)](std::vector<std::string> paths) {
+        if (--sheets_ == 0) controller_->setSheetShown(false);
+        if (picked) picked(std::move(paths));
+    });
+}
 
 void GroupsTab::initializePane(bool firstTime) {
     controller_->initializePane(firstTime);

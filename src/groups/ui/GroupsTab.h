@@ -51,6 +51,9 @@ public:
     bool isExpanded(int group) const override;
     void collapseAll() override;
     bool isEditingName() const override;
+    // Sheets are counted so that the outline takes no drop while one is open.
+    void ask(const EditorAlert& alert, std::function<void(int button)> answer) override;
+    void pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string> paths)> picked) override;
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -78,6 +81,7 @@ private:
     QAction* showInfo_ = nullptr;
     std::vector<std::pair<int, QAction*>> arrangement_;
     bool fixingSelection_ = false;
+    int sheets_ = 0;
 };
 
 }  // namespace corvalis
