@@ -87,7 +87,8 @@ TEST_F(GroupOptionsTest, AHotKeyTakenByAMenuAtStartUpIsKeptDisabledWithoutItsKey
     taken.set(keys::CommandID, "2000");
     taken.set(keys::Enabled, true);
     taken.set(keys::Action, Value::int32(1));
-    for (const Value& value : *prefs.arrayForKey(keys::Groups))
+    std::optional<Array> stored = prefs.arrayForKey(keys::Groups);
+    for (const Value& value : *stored)
         if (value[keys::Name].stringOr("") == "A") asDictionary(value)->set(keys::KeyboardShortcut, taken);
     groups = std::make_unique<GroupsController>(prefs, validator, bus, local, running, view);
     view.controller = groups.get();

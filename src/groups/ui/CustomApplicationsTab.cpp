@@ -215,7 +215,7 @@ void CustomApplicationsTab::updateActionMenu() {
 }
 
 bool CustomApplicationsTab::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == table_ && event->type() == QEvent::KeyPress) {
+    if (event->type() == QEvent::KeyPress && watched == table_) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Delete || key->key() == Qt::Key_Backspace) {
             controller_->onRemoveApplication();

@@ -154,7 +154,7 @@ void GroupsTab::selectionDidChange() {
 }
 
 bool GroupsTab::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == outline_ && event->type() == QEvent::KeyPress && !isEditingName()) {
+    if (event->type() == QEvent::KeyPress && watched == outline_ && !isEditingName()) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Delete || key->key() == Qt::Key_Backspace) {
             if (!controller_->selectedRows().empty()) controller_->onRemoveItem();

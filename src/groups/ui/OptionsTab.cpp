@@ -243,7 +243,7 @@ QDialog* OptionsTab::makeButtonsSheet() {
 
 // Alt+Up and Alt+Down move the current row: reordering without dragging.
 bool OptionsTab::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == buttonsList_ && event->type() == QEvent::KeyPress) {
+    if (event->type() == QEvent::KeyPress && watched == buttonsList_) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (key->modifiers() == Qt::AltModifier && (key->key() == Qt::Key_Up || key->key() == Qt::Key_Down)) {
             moveSelectedButton(key->key() == Qt::Key_Up ? -1 : 1);

@@ -145,7 +145,7 @@ void WindowRestorationTab::selectionChanged() {
 }
 
 bool WindowRestorationTab::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == table_ && event->type() == QEvent::KeyPress) {
+    if (event->type() == QEvent::KeyPress && watched == table_) {
         auto* key = static_cast<QKeyEvent*>(event);
         if ((key->key() == Qt::Key_Delete || key->key() == Qt::Key_Backspace) &&
             controller_->selectionContainsAtLeastOneClosedApplication()) {

@@ -187,7 +187,7 @@ void ShortcutsTab::ask(const EditorAlert& alert, std::function<void(int button)>
 }
 
 bool ShortcutsTab::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == table_ && handleKeyCombinationTableKey(table_, event, EnabledColumn, KeyCombinationColumn)) return true;
+    if (event->type() == QEvent::KeyPress && watched == table_ && handleKeyCombinationTableKey(table_, event, EnabledColumn, KeyCombinationColumn)) return true;
     return QObject::eventFilter(watched, event);
 }
 

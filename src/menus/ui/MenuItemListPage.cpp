@@ -138,7 +138,7 @@ void MenuItemListPage::updateRemoveButton() { bar_->removeButton()->setEnabled(!
 
 bool MenuItemListPage::eventFilter(QObject* watched, QEvent* event) {
     // Keys that reach the table from a name being typed are the editor's.
-    if (watched == table_ && event->type() == QEvent::KeyPress && !table_->indexWidget(table_->currentIndex())) {
+    if (event->type() == QEvent::KeyPress && watched == table_ && !table_->indexWidget(table_->currentIndex())) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Delete || key->key() == Qt::Key_Backspace) {
             if (selectedRows().empty()) return false;

@@ -1,5 +1,6 @@
 #include "menus/ui/MenusTab.h"
 
+#include <QEvent>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -253,7 +254,7 @@ void MenusTab::onConfigurePreviews() {
 }
 
 bool MenusTab::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == hotKeysTable_ &&
+    if (event->type() == QEvent::KeyPress && watched == hotKeysTable_ &&
         handleKeyCombinationTableKey(hotKeysTable_, event, MenuHotKeysTableModel::EnabledColumn,
                                      MenuHotKeysTableModel::KeyCombinationColumn))
         return true;

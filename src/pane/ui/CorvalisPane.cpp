@@ -228,7 +228,7 @@ void ComKestrovaCorvalis_PrefsPane::willSelect() {
 void ComKestrovaCorvalis_PrefsPane::didSelect() { observingWindow_ = true; }
 
 bool ComKestrovaCorvalis_PrefsPane::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == window_ && event->type() == QEvent::WindowActivate && observingWindow_)
+    if (event->type() == QEvent::WindowActivate && watched == window_ && observingWindow_)
         _paneControllers.windowDidBecomeMain(tabIdentifier(tabs_->currentIndex()));
     return QObject::eventFilter(watched, event);
 }

@@ -131,7 +131,7 @@ void SoftwareUpdateSheet::runLater(std::chrono::milliseconds delay, std::functio
 }
 
 bool SoftwareUpdateSheet::eventFilter(QObject* watched, QEvent* event) {
-    if (controller_ && watched == sheet_ && event->type() == QEvent::LocaleChange)
+    if (controller_ && event->type() == QEvent::LocaleChange && watched == sheet_)
         controller_->onCheckForUpdatesFormatChanged();
     return QObject::eventFilter(watched, event);
 }
