@@ -110,7 +110,14 @@ void QtEditorView::pickFiles(const EditorOpenPanel& panel, std::function<void(st
         dialog->deleteLater();
         if (picked) picked(std::move(paths));
     });
+    openPanel_ = dialog;
     dialog->open();
+}
+
+void QtEditorView::retitleOpenPanel(const std::string& message, const std::string& prompt) {
+    if (!openPanel_ || !openPanel_->isVisible()) return;
+    if (!message.empty()) openPanel_->setWindowTitle(QString::fromStdString(message));
+    if (!prompt.empty()) openPanel_->setLabelText(QFileDialog::Accept, QString::fromStdString(prompt));
 }
 
 void QtEditorView::revealPath(const std::string& path) {

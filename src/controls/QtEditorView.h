@@ -8,6 +8,7 @@
 #include "pane/EditorView.h"
 
 class QAbstractItemView;
+class QFileDialog;
 class QModelIndex;
 class QWidget;
 
@@ -29,6 +30,7 @@ public:
     void beep() override;
     void ask(const EditorAlert& alert, std::function<void(int button)> answer) override;
     void pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string> paths)> picked) override;
+    void retitleOpenPanel(const std::string& message, const std::string& prompt) override;
     void revealPath(const std::string& path) override;
 
 protected:
@@ -38,6 +40,7 @@ protected:
 private:
     QPointer<QWidget> window_;
     QPointer<QAbstractItemView> items_;
+    QPointer<QFileDialog> openPanel_;
 };
 
 }  // namespace corvalis

@@ -289,7 +289,9 @@ void CustomApplicationsController::onChangeApplication(std::optional<int> clicke
     bool valid = IsValid(path);
     EditorOpenPanel panel = applicationPanel(
         valid ? "Change" : "Fix", valid ? parentFolder(path) : _prefs.getOpenPanelPathForKey(keys::AddApplicationPath));
+    _changing = true;
     _view.pickFiles(panel, [this, path](std::vector<std::string> paths) {
+        _changing = false;
         if (paths.empty()) return;
         _updatePaths();
         // The entry may have moved or been repaired meanwhile: by its path, else the one selected.
@@ -397,6 +399,18 @@ void CustomApplicationsController::onCustomAppsChanged(const Notification& notif
     _applications = _prefs.arrayForKey(keys::CustomApplications).value_or(plist::Array());
     endResetModel();
     selectPaths(selected);
+    _synchronizeOpenPanel();
+}
+
+void CustomApplicationsController::windowDidBecomeMain() {
+    _updatePaths();
+    _synchronizeOpenPanel();
+}
+
+void CustomApplicationsController::_synchronizeOpenPanel() {
+    std::vector<int> rows = _view.selectedRows();
+    if (!_changing || rows.size() != 1) return;
+    _view.retitleOpenPanel("", LocalizedString(IsValid(pathAt(rows.front())) ? "Change" : "Fix"));
 }
 
 }  // namespace corvalis

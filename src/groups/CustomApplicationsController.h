@@ -43,7 +43,7 @@ public:
 
     void initializePane(bool firstTime);
     void willShowPane() { _updatePaths(); }
-    void windowDidBecomeMain() { _updatePaths(); }
+    void windowDidBecomeMain();
     // Appends a line counting the entries whose application is missing.
     void updatePane(std::string& report);
 
@@ -84,6 +84,8 @@ public:
     // The row of the entry for `path`, added in name order unless listed already.
     int _addApplication(const std::string& path, bool* listAlreadyContainsApp);
     void _updatePaths();
+    // While the change panel is open its prompt follows the selected entry's state.
+    void _synchronizeOpenPanel();
 
 private:
     std::vector<std::string> selectedPaths() const;
@@ -106,6 +108,7 @@ private:
     bool _showInfo = false;
     bool _updateAllOptions = true;
     bool _sheetShown = false;
+    bool _changing = false;
     std::optional<NotificationCenter::Token> _observer;
 };
 

@@ -133,7 +133,18 @@ void GroupsController::willShowPane() {
     _validator.updateKeyboardShortcutForGroup(selectedGroup());
 }
 
-void GroupsController::windowDidBecomeMain() { willShowPane(); }
+void GroupsController::windowDidBecomeMain() {
+    willShowPane();
+    _synchronizeOpenPanel();
+}
+
+void GroupsController::_synchronizeOpenPanel() {
+    if (!_changingApplication || _selection.size() != 1 || isGroupRow(_selection[0])) return;
+    std::optional<Array> members = applicationsOf(_selection[0].group);
+    if (!members || _selection[0].row >= static_cast<int>(members->size())) return;
+    bool valid = IsValid(pathOf((*members)[static_cast<std::size_t>(_selection[0].row)]));
+    _view.retitleOpenPanel("", LocalizedString(valid ? groupstrings::Change : groupstrings::Fix));
+}
 
 void GroupsController::updatePane(std::string& report) {
     long invalid = 0;
@@ -871,7 +882,9 @@ void GroupsController::onChangeApplication() {
                             : StandardizedPath(_prefs.getOpenPanelPathForKey(keys::AddApplicationPath));
     panel.allowedFileTypes = {"app", "desktop", "applescript", "scpt", "scptd"};
     Dictionary editedRecord = *plist::asDictionary((*members)[static_cast<std::size_t>(edited.row)]);
+    _changingApplication = true;
     _view.pickFiles(panel, [this, edited, editedRecord](std::vector<std::string> paths) {
+        _changingApplication = false;
         std::optional<Array> members = applicationsOf(edited.group);
         std::optional<std::string> chosen = paths.empty() ? std::nullopt : ResolvedApplicationOrScriptPath(paths.front());
         std::optional<Dictionary> record = chosen ? newApplicationRecord(*chosen) : std::nullopt;
@@ -979,6 +992,7 @@ void GroupsController::onGroupsChanged(const Notification& notification) {
     _computeArrangement();
     endResetModel();
     restoreSelection(saved);
+    _synchronizeOpenPanel();
     _local.post(Notification{notifications::ExcludedApplicationsChanged, "", std::nullopt});
 }
 

@@ -131,6 +131,8 @@ public:
 
     // Path refresh of every member; true when a record changed.
     bool _updatePaths();
+    // While the change panel is open its prompt follows the selected member's state.
+    void _synchronizeOpenPanel();
 
     // The excluded-applications group, for the Quit menu editor.
     plist::Array excludedApplications() const;
@@ -227,6 +229,7 @@ private:
     bool _showInfo = false;
     bool _abortingEdit = false;
     bool _sheetShown = false;
+    bool _changingApplication = false;
     CanonicalPathCache _canonicalPaths;
 };
 

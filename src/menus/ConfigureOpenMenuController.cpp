@@ -119,7 +119,17 @@ void ConfigureOpenMenuController::willShowPane() { _updatePaths(true); }
 void ConfigureOpenMenuController::didBeginSheet() { _updatePaths(true); }
 
 void ConfigureOpenMenuController::sheetWindowDidBecomeMain(bool shownOnSheet) {
-    if (shownOnSheet) _updatePaths(true);
+    if (!shownOnSheet) return;
+    _updatePaths(true);
+    _synchronizeOpenPanel();
+}
+
+void ConfigureOpenMenuController::_synchronizeOpenPanel() {
+    if (!_changingFolder || !_view) return;
+    std::vector<int> selected = selection();
+    if (selected.size() != 1 || !pathAt(selected.front())) return;
+    bool valid = IsValid(*pathAt(selected.front()));
+    _view->retitleOpenPanel(LocalizedString(valid ? "ChangeFolder2" : "FixPath2"), LocalizedString(valid ? "Change" : "Fix"));
 }
 
 std::vector<std::string> ConfigureOpenMenuController::fixedKinds() const {
@@ -403,7 +413,11 @@ void ConfigureOpenMenuController::onOpenMenuItemsChanged(const Notification& not
         return;
     }
     const Dictionary& info = *notification.userInfo;
-    if (info.contains(changes::ChangeOpenMenuItems)) return _updatePaths(false);
+    if (info.contains(changes::ChangeOpenMenuItems)) {
+        _updatePaths(false);
+        _synchronizeOpenPanel();
+        return;
+    }
     const Dictionary* change = info[changes::ChangeOpenMenuItemDepth].dictionary();
     if (!change) return;
     // Whole numbers only; an index past the folders or a depth beyond an int changes nothing.

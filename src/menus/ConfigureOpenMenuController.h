@@ -66,6 +66,8 @@ protected:
 private:
     void _initializeIconsAndPaths();
     void _insertResolvedFolders(const std::vector<std::string>& paths, int index, bool move, bool fromPanel);
+    // While the change panel is open its words follow the selected folder's state.
+    void _synchronizeOpenPanel();
     void _changeFolder(int row, const std::string& oldPath, const std::vector<std::string>& picked);
     int rowWithPath(const std::string& path, int except = -1) const;
     void synchronizeBrowser(int index, bool isFolder, bool removeDuplicate);

@@ -56,6 +56,9 @@ public:
     virtual void ask(const EditorAlert& alert, std::function<void(int button)> answer) = 0;
     // An open panel as a sheet; `picked` gets the chosen paths, none when cancelled.
     virtual void pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string> paths)> picked) = 0;
+    // Gives the panel this view has open new words (an empty text keeps its own);
+    // nothing happens when no panel is open.
+    virtual void retitleOpenPanel(const std::string& message, const std::string& prompt) = 0;
     // Shows the file in the file manager.
     virtual void revealPath(const std::string& path) = 0;
 };

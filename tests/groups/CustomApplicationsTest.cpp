@@ -226,6 +226,15 @@ TEST_F(CustomApplications, ChangingOntoAListedApplicationReplacesThatEntry) {
     view.selection = {0};
     fs::remove_all(beta);
     EXPECT_EQ(controller.changeMenuTitle(), "FixPath1");
+
+    // The panel open on the broken entry changes its prompt when the entry is back.
+    view.holdPanels = true;
+    controller.onChangeApplication();
+    EXPECT_EQ(view.panels.back().prompt, "Fix");
+    app("Beta");
+    controller.windowDidBecomeMain();
+    EXPECT_EQ(view.calls.back(), "retitle  | Change");
+    view.closePanel();
 }
 
 TEST_F(CustomApplications, OptionsViewShowsTheStateOfTheSelection) {

@@ -171,6 +171,46 @@ TEST_F(GroupsTest, MembersDroppedBetweenMembersLandThereUnlessArranged) {
     }
 }
 
+TEST_F(GroupsTest, ChangingAMemberReplacesItInPlaceResortsItOrMergesIntoTheMemberWithThatPath) {
+    std::string alpha = app("Alpha"), beta = app("Beta"), zulu = app("Zulu"), mike = app("Mike");
+    struct Case {
+        bool arranged;
+        std::string chosen;
+        std::vector<std::string> expected;
+        EditorRow selected;
+    } cases[] = {
+        {false, mike, {"Mike", "Beta", "Zulu"}, {0, 0}},
+        {true, mike, {"Beta", "Mike", "Zulu"}, {1, 0}},
+        {false, zulu, {"Beta", "Zulu"}, {1, 0}},
+    };
+    for (const Case& c : cases) {
+        openWithGroups({group("A", {member(alpha), member(beta), member(zulu)})}, c.arranged, 2);
+        groups->willShowPane();  // the members get their alias data first
+        bus.clearPosted();
+        view.selectRows({EditorRow{0, 0}});
+        view.pickedFiles.push_back({c.chosen});
+        groups->onChangeApplication();
+        EXPECT_EQ(view.panels.back().prompt, LocalizedString(groupstrings::Change));
+        EXPECT_EQ(memberNames(0), c.expected) << c.chosen;
+        EXPECT_EQ(groups->selectedRows(), std::vector<EditorRow>{c.selected}) << c.chosen;
+        ASSERT_EQ(posts().size(), 1u);
+        EXPECT_EQ(posts()[0][changes::ChangeGroups][changes::ChangeExcludedApplications].boolean(), false);
+    }
+
+    // The panel open on a missing member changes its prompt when the member is back.
+    openWithGroups({group("A", {member(alpha)})});
+    view.selectRows({EditorRow{0, 0}});
+    std::filesystem::remove_all(alpha);
+    view.holdPanels = true;
+    groups->onChangeApplication();
+    EXPECT_EQ(view.panels.back().prompt, LocalizedString(groupstrings::Fix));
+    app("Alpha");
+    groups->windowDidBecomeMain();
+    EXPECT_EQ(view.calls.back(), "retitle  | " + LocalizedString(groupstrings::Change));
+    view.closePanel();
+    EXPECT_EQ(memberNames(0), std::vector<std::string>{"Alpha"});
+}
+
 TEST_F(GroupsTest, TypingSelectsByNameOrderAmongGroupsOrTheSelectedMembersGroup) {
     std::string one = app("One"), two = app("Two"), three = app("Three");
     struct Case {

@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <set>
 
+#include "groups/GroupTexts.h"
 #include "groups/GroupsController.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "prefs/NotificationNames.h"

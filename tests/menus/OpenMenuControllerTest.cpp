@@ -176,6 +176,18 @@ TEST_F(OpenMenuControllerTest, RepointingAFolder) {
     std::string report;
     menu->updatePane(report);
     EXPECT_EQ(report, LocalizedFormat("OpenMenuSummary", {LocalizedString("OneInvalidPath")}) + "\n");
+
+    // The panel open on the broken folder follows it when it comes back, and stops once closed.
+    view.holdPanels = true;
+    menu->onChangeItem();
+    EXPECT_EQ(view.panels.back().message, LocalizedString("FixPath2"));
+    std::filesystem::create_directory(b);
+    menu->sheetWindowDidBecomeMain(true);
+    EXPECT_EQ(view.calls.back(), "retitle " + LocalizedString("ChangeFolder2") + " | " + LocalizedString("Change"));
+    view.closePanel();
+    std::size_t calls = view.calls.size();
+    menu->sheetWindowDidBecomeMain(true);
+    EXPECT_EQ(view.calls.size(), calls);
 }
 
 TEST_F(OpenMenuControllerTest, ControllerDepthChangesAreAppliedOnlyWhenWhollyValid) {

@@ -1,6 +1,7 @@
 #pragma once
 // An EditorView that writes down what it was asked, in order, and answers
 // questions and file panels with what the test queued (else the first button, no files).
+// With `holdPanels` a panel stays open until the test calls `closePanel`.
 
 #include <deque>
 #include <string>
@@ -22,6 +23,8 @@ public:
     std::vector<EditorOpenPanel> panels;
     std::deque<int> answers;
     std::deque<std::vector<std::string>> pickedFiles;
+    bool holdPanels = false;
+    std::function<void(std::vector<std::string>)> heldPanel;
 
     void selectRows(const std::vector<EditorRow>& rows) override {
         std::string text = "select";
@@ -43,12 +46,24 @@ public:
     void pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string>)> picked) override {
         calls.push_back("pick files");
         panels.push_back(panel);
+        if (holdPanels) {
+            heldPanel = std::move(picked);
+            return;
+        }
         std::vector<std::string> files;
         if (!pickedFiles.empty()) {
             files = pickedFiles.front();
             pickedFiles.pop_front();
         }
         if (picked) picked(files);
+    }
+    void closePanel(std::vector<std::string> files = {}) {
+        auto picked = std::move(heldPanel);
+        heldPanel = nullptr;
+        if (picked) picked(std::move(files));
+    }
+    void retitleOpenPanel(const std::string& message, const std::string& prompt) override {
+        if (heldPanel) calls.push_back("retitle " + message + " | " + prompt);
     }
     void revealPath(const std::string& path) override { calls.push_back("reveal " + path); }
 };
