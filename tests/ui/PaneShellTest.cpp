@@ -144,6 +144,24 @@ TEST_F(PaneShell, RegisteredTabsAreShownHiddenToldOfActivationAndReloadedAfterAn
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     EXPECT_EQ(log.join(", ").toStdString(), "Menus hide, Groups show, Groups main");
 
+    // Focus passing between the window and its own sheet is not the window becoming main;
+    // focus coming back from elsewhere to the sheet is.
+    log.clear();
+    QDialog sheet(&window);
+    sheet.setWindowModality(Qt::WindowModal);
+    sheet.show();
+    sheet.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet));
+    EXPECT_TRUE(log.isEmpty());
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    sheet.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&sheet));
+    sheet.close();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_EQ(log.join(", ").toStdString(), "Groups main");
+
     // An import that turns the controller on: every tab set up again, the report in
     // the tabs' order, the switch and its label on.
     log.clear();

@@ -16,6 +16,7 @@
 #include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "controls/KVIconServices.h"
 #include "controls/KVSwitchControl.h"
@@ -87,6 +88,13 @@ ComKestrovaCorvalis_PrefsPane::ComKestrovaCorvalis_PrefsPane(QWidget* window, QO
 ComKestrovaCorvalis_PrefsPane::~ComKestrovaCorvalis_PrefsPane() {
     _paneControllers = PaneControllers();
     tabControllers_.clear();
+    delete browserWindow_.data();
+}
+
+void ComKestrovaCorvalis_PrefsPane::setApplicationsBrowser(ApplicationsBrowserLink* browser, QWidget* browserWindow) {
+    delete browserWindow_.data();
+    applicationsBrowser_ = browser;
+    browserWindow_ = browserWindow;
 }
 
 QWidget* ComKestrovaCorvalis_PrefsPane::loadMainView() {
@@ -210,7 +218,8 @@ void ComKestrovaCorvalis_PrefsPane::mainViewDidLoad() {
     if (firstUse_) QTimer::singleShot(kWelcomeDelayMs, this, &ComKestrovaCorvalis_PrefsPane::_showWelcome);
     connect(tabs_, &QTabWidget::currentChanged, this, &ComKestrovaCorvalis_PrefsPane::tabChanged);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ComKestrovaCorvalis_PrefsPane::applicationWillTerminate);
-    window_->installEventFilter(this);
+    focusIsOurs_ = QGuiApplication::focusWindow() && isOurWindow(QGuiApplication::focusWindow());
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, &ComKestrovaCorvalis_PrefsPane::focusWindowChanged);
 }
 
 std::string ComKestrovaCorvalis_PrefsPane::tabIdentifier(int index) const {
@@ -227,10 +236,23 @@ void ComKestrovaCorvalis_PrefsPane::willSelect() {
 
 void ComKestrovaCorvalis_PrefsPane::didSelect() { observingWindow_ = true; }
 
-bool ComKestrovaCorvalis_PrefsPane::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::WindowActivate && watched == window_ && observingWindow_)
+bool ComKestrovaCorvalis_PrefsPane::isOurWindow(const QWindow* focus) const {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->windowHandle() != focus) continue;
+        for (; widget; widget = widget->parentWidget())
+            if (widget == window_) return true;
+        return false;
+    }
+    return false;
+}
+
+// The window becomes main when focus comes to it, or to one of its sheets or panels,
+// from elsewhere; focus moving between the window and its own sheets does not count.
+void ComKestrovaCorvalis_PrefsPane::focusWindowChanged(QWindow* focus) {
+    bool ours = focus && isOurWindow(focus);
+    if (ours && !focusIsOurs_ && observingWindow_)
         _paneControllers.windowDidBecomeMain(tabIdentifier(tabs_->currentIndex()));
-    return QObject::eventFilter(watched, event);
+    focusIsOurs_ = ours;
 }
 
 QDialog* ComKestrovaCorvalis_PrefsPane::attachedSheet() const {
@@ -241,7 +263,7 @@ QDialog* ComKestrovaCorvalis_PrefsPane::attachedSheet() const {
 
 PreferencePane::UnselectReply ComKestrovaCorvalis_PrefsPane::shouldUnselect() {
     if (attachedSheet()) return UnselectReply::Cancel;
-    if (applicationsBrowser_) applicationsBrowser_->closeBrowser();
+    if (ApplicationsBrowserLink* browser = applicationsBrowser()) browser->closeBrowser();
     return UnselectReply::Now;
 }
 
@@ -263,7 +285,7 @@ void ComKestrovaCorvalis_PrefsPane::tabChanged(int index) {
     std::string showing = tabIdentifier(index);
     _paneControllers.selectionWillChange(shownTab_, showing);
     shownTab_ = showing;
-    if (applicationsBrowser_) applicationsBrowser_->synchronizeDragApplicationsInfoWithPane(showing);
+    if (ApplicationsBrowserLink* browser = applicationsBrowser()) browser->synchronizeDragApplicationsInfoWithPane(showing);
 }
 
 void ComKestrovaCorvalis_PrefsPane::showSwitchState() {
@@ -303,7 +325,7 @@ void ComKestrovaCorvalis_PrefsPane::collectReport(QString& report) {
     std::string lines;
     _paneControllers.updatePanes(lines);
     report += QString::fromStdString(lines);
-    if (applicationsBrowser_) applicationsBrowser_->updateBrowser();
+    if (ApplicationsBrowserLink* browser = applicationsBrowser()) browser->updateBrowser();
 }
 
 void ComKestrovaCorvalis_PrefsPane::onHelp() {
@@ -399,8 +421,8 @@ QStringList ComKestrovaCorvalis_PrefsPane::screenshotViews() const {
 
 bool ComKestrovaCorvalis_PrefsPane::showScreenshotView(const QString& name) {
     if (QDialog* sheet = attachedSheet()) sheet->done(QDialog::Rejected);
-    // A view of the window alone: the browser ("window-" views) shown for an earlier view would cover it.
-    if (applicationsBrowser_ && !name.startsWith("window-")) applicationsBrowser_->closeBrowser();
+    // Every view starts with the browser closed, or it would cover the window; its own views reopen it.
+    if (applicationsBrowser()) applicationsBrowser()->closeBrowser();
     if (name.startsWith("tab-")) {
         for (int i = 0; i < tabs_->count(); ++i)
             if ("tab-" + tabs_->widget(i)->objectName() == name) {

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "pane/ui/PreferencePane.h"
 
 class QTabWidget;
+class QWindow;
 class QDialog;
 class QLabel;
 class QMenu;
@@ -79,9 +81,10 @@ public:
     // The pane drives the tab's controller from now on (and owns it).
     void addTabController(const char* tab, std::unique_ptr<PaneController> controller);
     PaneControllers& paneControllers() { return _paneControllers; }
-    // The browser beside the window; null until one is set. The pane does not own it.
-    ApplicationsBrowserLink* applicationsBrowser() const { return applicationsBrowser_; }
-    void setApplicationsBrowser(ApplicationsBrowserLink* browser) { applicationsBrowser_ = browser; }
+    // The browser beside the window; null until one is set. The pane owns its window
+    // and destroys it after the tabs that talk to it, before the store it reads.
+    ApplicationsBrowserLink* applicationsBrowser() const { return browserWindow_ ? applicationsBrowser_ : nullptr; }
+    void setApplicationsBrowser(ApplicationsBrowserLink* browser, QWidget* browserWindow);
     // A view for --screenshot beyond the tabs: showing it opens a sheet or window and
     // answers whether it could.
     void addScreenshotView(const QString& name, std::function<bool()> show);
@@ -109,7 +112,8 @@ private:
     QDialog* makeWelcomeSheet();
     QDialog* makeAboutSheet();
     std::string tabIdentifier(int index) const;
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool isOurWindow(const QWindow* focus) const;
+    void focusWindowChanged(QWindow* focus);
     void showSwitchState();
     // A controller that did not quit when asked: the user may end it or wait longer.
     void askToForceQuit();
@@ -142,10 +146,12 @@ private:
     PaneControllers _paneControllers;
     std::string shownTab_;
     ApplicationsBrowserLink* applicationsBrowser_ = nullptr;
+    QPointer<QWidget> browserWindow_;
     std::vector<std::pair<QString, std::function<bool()>>> extraScreenshotViews_;
     bool _closeCorvalis = false;
     // Between didSelect and willUnselect the tabs hear of the window becoming active.
     bool observingWindow_ = false;
+    bool focusIsOurs_ = false;
     // Set while the pane itself moves the switch, which is not the user turning it.
     bool settingSwitch_ = false;
     bool firstUse_ = false;
