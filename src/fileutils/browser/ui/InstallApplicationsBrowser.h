@@ -1,8 +1,8 @@
 #pragma once
-// Puts the applications browser beside the pane: made with the pane's store,
-// local centre and running applications, handed to the tabs as their link,
-// destroyed with the pane's tab controllers (before the store it uses), and
-// shown on two sources by --screenshot.
+// Puts the applications browser beside the pane: made with the pane's
+// preferences, domain store, local centre and running applications, owned by
+// the pane, handed to the tabs as their link, and shown on two sources by
+// --screenshot.
 
 namespace corvalis {
 
