@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QHeaderView>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSlider>
@@ -22,6 +23,7 @@
 #include "menus/ui/MenuHotKeysTable.h"
 #include "menus/ui/MenusTab.h"
 #include "menus/ui/OpenMenuPage.h"
+#include "prefs/MenuItemKinds.h"
 #include "prefs/NotificationNames.h"
 #include "support/IntegrationSupport.h"
 #include "prefs/DefaultPreviewSizes.h"
@@ -201,6 +203,13 @@ TEST_F(MenusTabTest, RecordingAMenuHotKeySuspendsTheControllersHotKeys) {
 
     QTest::keyClick(table, Qt::Key_Space);  // the check box of the current row
     EXPECT_TRUE(prefs.boolForKey(keys::EnableQuitMenuHotKey));
+
+    // A click in the header brings the keyboard back to the table.
+    tab->configureMenusButton()->setFocus();
+    QHeaderView* header = table->horizontalHeader();
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                      QPoint(header->sectionViewportPosition(MenuHotKeysTableModel::MenuColumn) + 5, header->height() / 2));
+    EXPECT_TRUE(table->hasFocus());
 }
 
 TEST_F(MenusTabTest, PreviewsSheetRepairsSizesOnceAndKeepsTheFilterStoredWhileOff) {
@@ -244,4 +253,12 @@ TEST_F(MenusTabTest, PreviewsSheetRepairsSizesOnceAndKeepsTheFilterStoredWhileOf
     tab->onConfigurePreviews();  // prepared already: nothing repaired again
     EXPECT_TRUE(bus.posted().empty());
     sheet->done(1);
+}
+
+// Kinds without a file of their own still show an image, whatever icon theme the desktop has.
+TEST(MenuItemIcons, EveryKindWithoutAPathHasItsOwnImage) {
+    for (const char* kind : {items::Groups, items::DockApplications, items::RecentApplications, items::SystemPreferences,
+                             items::ApplicationsFolder, items::DeveloperApplicationsFolder})
+        EXPECT_FALSE(menuItemIcon("", kind).value<QIcon>().isNull()) << kind;
+    EXPECT_FALSE(menuItemIcon("", items::Separator).isValid());
 }

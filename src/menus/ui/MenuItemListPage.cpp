@@ -27,18 +27,17 @@ constexpr int kTextMargin = 3;
 
 QVariant menuItemIcon(const std::string& path, const std::string& kind) {
     if (!path.empty()) return KVIconServices::sharedIcons().iconForPath(QString::fromStdString(path), nullptr);
-    // The theme's image, else the style's own, so that every kind has one.
-    static const std::map<std::string, std::pair<const char*, QStyle::StandardPixmap>> images{
-        {items::Groups, {"folder", QStyle::SP_DirIcon}},
-        {items::DockApplications, {"user-desktop", QStyle::SP_DesktopIcon}},
-        {items::RecentApplications, {"document-open-recent", QStyle::SP_FileDialogContentsView}},
-        {items::ApplicationsFolder, {"folder", QStyle::SP_DirIcon}},
-        {items::DeveloperApplicationsFolder, {"folder", QStyle::SP_DirIcon}},
-        {items::SystemPreferences, {"preferences-system", QStyle::SP_ComputerIcon}},
+    // The pane's own image of the kind; the folders whose place is unknown get the theme's folder.
+    static const std::map<std::string, const char*> images{
+        {items::Groups, "YellowFolder"},
+        {items::DockApplications, "Dock"},
+        {items::RecentApplications, "RecentApps"},
+        {items::SystemPreferences, "PrefApp"},
     };
-    auto found = images.find(kind);
-    if (found == images.end()) return {};
-    return QIcon::fromTheme(found->second.first, QApplication::style()->standardIcon(found->second.second));
+    if (auto found = images.find(kind); found != images.end()) return KVIconServices::loadResource(found->second);
+    if (kind == items::ApplicationsFolder || kind == items::DeveloperApplicationsFolder)
+        return QIcon::fromTheme("folder", QApplication::style()->standardIcon(QStyle::SP_DirIcon));
+    return {};
 }
 
 MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tableName, QWidget* sheet, QWidget* parent)

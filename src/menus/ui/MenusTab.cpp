@@ -166,6 +166,10 @@ void MenusTab::buildPage(QWidget* page) {
     header->setSectionResizeMode(MenuHotKeysTableModel::KeyCombinationColumn, QHeaderView::Interactive);
     header->resizeSection(MenuHotKeysTableModel::KeyCombinationColumn, 130);
     header->setSectionResizeMode(MenuHotKeysTableModel::PositionColumn, QHeaderView::ResizeToContents);
+    // A click in the header takes the keyboard to the table, as a click in its rows does.
+    connect(header, &QHeaderView::sectionPressed, hotKeysTable_, [table = hotKeysTable_.data()] {
+        if (!table->hasFocus()) table->setFocus(Qt::MouseFocusReason);
+    });
     hotKeysTable_->setAccessibleName(localized("MenuHotKeys"));
     hotKeysTable_->installEventFilter(this);
     controller_->setTable(static_cast<QWidget*>(hotKeysTable_.data()));
