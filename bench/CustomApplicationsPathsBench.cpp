@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "SilentEditorView.h"
 #include "fileutils/AliasResolution.h"
 #include "groups/CustomApplicationsController.h"
 #include "platform/FileDomainStore.h"
@@ -29,17 +30,8 @@ fs::path gWork;
 std::vector<std::string> gPaths;
 
 // The controller's questions answered by nobody: nothing is selected or shown.
-class NoView : public CustomApplicationsView {
+class NoView : public bench::SilentView<CustomApplicationsView> {
 public:
-    void selectRows(const std::vector<EditorRow>&) override {}
-    void scrollRowToVisible(const EditorRow&) override {}
-    void expandGroup(int) override {}
-    void editName(const EditorRow&) override {}
-    void endEditing() override {}
-    void beep() override {}
-    void ask(const EditorAlert&, std::function<void(int)>) override {}
-    void pickFiles(const EditorOpenPanel&, std::function<void(std::vector<std::string>)>) override {}
-    void revealPath(const std::string&) override {}
     std::vector<int> selectedRows() const override { return {}; }
     void showOptions(OptionsViewState) override {}
 };

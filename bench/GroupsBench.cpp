@@ -15,6 +15,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "SilentEditorView.h"
 #include "controls/KVTableView.h"
 #include "groups/GroupsController.h"
 #include "groups/ui/GroupIcons.h"
@@ -41,17 +42,8 @@ public:
 };
 
 // An outline that is not on screen: every question answered "no", nothing done.
-class NoView : public GroupsView {
+class NoView : public bench::SilentView<GroupsView> {
 public:
-    void selectRows(const std::vector<EditorRow>&) override {}
-    void scrollRowToVisible(const EditorRow&) override {}
-    void expandGroup(int) override {}
-    void editName(const EditorRow&) override {}
-    void endEditing() override {}
-    void beep() override {}
-    void ask(const EditorAlert&, std::function<void(int)>) override {}
-    void pickFiles(const EditorOpenPanel&, std::function<void(std::vector<std::string>)>) override {}
-    void revealPath(const std::string&) override {}
     bool isExpanded(int) const override { return false; }
     void collapseAll() override {}
     bool isEditingName() const override { return false; }

@@ -1,5 +1,7 @@
 #include "menus/ConfigureOpenMenuController.h"
 
+#include "fileutils/browser/OpenMenuPaths.h"
+
 #include <climits>
 #include <cstdlib>
 #include <set>
@@ -10,6 +12,7 @@
 #include "fileutils/PathChecking.h"
 #include "fileutils/PathLimits.h"
 #include "fileutils/PathPredicates.h"
+#include "fileutils/browser/OpenMenuPaths.h"
 #include "menus/MenuRows.h"
 #include "pane/ApplicationsBrowserLink.h"
 #include "plist/Utf8.h"
@@ -272,34 +275,11 @@ void ConfigureOpenMenuController::_updatePaths(bool saveChanges) {
     if (!changed) return;
 
     std::vector<int> selected = selection();
-    std::set<std::string> seen;
-    std::vector<std::string> duplicates;
-    auto remove = [&](int row, bool isFolder, bool duplicate) {
-        removeRecord(row);
-        synchronizeBrowser(row, isFolder, duplicate);
-        selected = menurows::selectionAfterRemovingRow(selected, row);
-    };
-    for (int row = 0; row < rowCount();) {
-        const std::string* path = pathAt(row);
-        if (!path || seen.insert(*path).second) {
-            ++row;
-            continue;
-        }
-        duplicates.push_back(*path);
-        remove(row, true, true);
-        if (row < rowCount() && kindAt(row) == items::Separator) {
-            if (row >= 1 && kindAt(row - 1) == items::Separator) remove(row, false, false);
-        } else if (row == rowCount() && row >= 1 && kindAt(row - 1) == items::Separator) {
-            remove(row - 1, false, false);
-            --row;
-        }
-    }
-    for (const std::string& duplicate : duplicates) {
-        int survivor = rowWithPath(duplicate);
-        std::optional<Dictionary> record = plist::asDictionary(_menuItems[survivor]);
-        if (!record) continue;
-        record->remove(keys::AliasData);
-        if (std::optional<plist::Data> alias = AliasData(duplicate)) record->set(keys::AliasData, *alias);
+    std::vector<OpenMenuPathChange> removed;
+    RemoveDuplicateOpenMenuPaths(_menuItems, removed, Workspace::shared(), [this](int row) { removeRecord(row); });
+    for (const OpenMenuPathChange& change : removed) {
+        synchronizeBrowser(change.index, change.isFolder, change.removeDuplicate);
+        selected = menurows::selectionAfterRemovingRow(selected, change.index);
     }
     selectRows(selected);
     if (!selected.empty() && _view) _view->scrollRowToVisible(EditorRow{selected.front()});

@@ -163,9 +163,9 @@ TEST(OpenMenuPaths, DuplicatesAreRemovedWithTheSeparatorLeftBesideThem) {
         std::vector<Change> changes;
     } cases[] = {
         {"ab-c", "ab-c", {}},
-        {"a-a", "a", {{2, true, true}, {1, false, true}}},
-        {"a-a-b", "a-b", {{2, true, true}, {2, false, true}}},
-        {"ab-b-a", "ab", {{3, true, true}, {3, false, true}, {3, true, true}, {2, false, true}}},
+        {"a-a", "a", {{2, true, true}, {1, false, false}}},
+        {"a-a-b", "a-b", {{2, true, true}, {2, false, false}}},
+        {"ab-b-a", "ab", {{3, true, true}, {3, false, false}, {3, true, true}, {2, false, false}}},
         {"aba", "ab", {{2, true, true}}},
     };
     for (const Case& c : cases) {

@@ -33,7 +33,11 @@ std::vector<OpenMenuPathChange> RepairOpenMenuPaths(plist::Array& items, const W
 }
 
 void RemoveDuplicateOpenMenuPaths(plist::Array& items, std::vector<OpenMenuPathChange>& changes,
-                                  const Workspace& workspace) {
+                                  const Workspace& workspace, const std::function<void(int row)>& removeRow) {
+    auto remove = [&](std::size_t row) {
+        if (removeRow) removeRow(static_cast<int>(row));
+        else items.removeAt(row);
+    };
     std::set<std::string> seen;
     std::set<std::string> removedPaths;
     for (std::size_t i = 0; i < items.size();) {
@@ -43,14 +47,14 @@ void RemoveDuplicateOpenMenuPaths(plist::Array& items, std::vector<OpenMenuPathC
             continue;
         }
         removedPaths.insert(*path);
-        items.removeAt(i);
+        remove(i);
         changes.push_back({static_cast<int>(i), true, true});
         if (i == 0 || !isSeparator(items[i - 1])) continue;
         // The separator before the removed row now meets another one, or ends the menu.
         if (i == items.size() || isSeparator(items[i])) {
             std::size_t separator = i < items.size() ? i : i - 1;
-            items.removeAt(separator);
-            changes.push_back({static_cast<int>(separator), false, true});
+            remove(separator);
+            changes.push_back({static_cast<int>(separator), false, false});
             if (separator < i) --i;
         }
     }

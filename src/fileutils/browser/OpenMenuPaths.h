@@ -1,9 +1,11 @@
 #pragma once
-// Keeping the Open menu's folder paths right from the applications browser:
-// each path record checked, duplicates that a repair produced removed (with
-// the separator left beside one), the survivors' alias data made again. Also
-// the arithmetic that ties browser sources to Open menu rows.
+// Keeping the Open menu's folder paths right, for the applications browser and
+// the Open menu editor alike: each path record checked, duplicates that a
+// repair produced removed (with the separator left beside one), the survivors'
+// alias data made again. Also the arithmetic that ties browser sources to Open
+// menu rows.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,8 +32,11 @@ std::vector<OpenMenuPathChange> RepairOpenMenuPaths(plist::Array& items, const W
 // "Path" are removed; a separator then left after another separator, or left
 // last, goes too. Each survivor of a removed path gets fresh "AliasData" (or
 // loses it when none can be made). Appends what it removed to `changes`.
+// A list model passes `removeRow`, which must take that row out of `items`
+// itself, so that its views hear of each removal.
 void RemoveDuplicateOpenMenuPaths(plist::Array& items, std::vector<OpenMenuPathChange>& changes,
-                                  const Workspace& workspace = Workspace::shared());
+                                  const Workspace& workspace = Workspace::shared(),
+                                  const std::function<void(int row)>& removeRow = {});
 
 // The rows of the Open menu that have a "Path", in order: the browser's folder sources.
 std::vector<int> OpenMenuFolderRows(const plist::Array& items);
