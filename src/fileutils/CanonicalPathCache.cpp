@@ -1,9 +1,5 @@
 #include "fileutils/CanonicalPathCache.h"
 
-#include <climits>
-#include <cstdlib>
-#include <memory>
-
 #include "fileutils/PathLimits.h"
 #include "schema/PreferenceKeys.h"
 
@@ -46,12 +42,16 @@ void CanonicalPathCache::beginPass() {
 CanonicalPathCache::Folder& CanonicalPathCache::folderFor(std::string_view parent) {
     if (last_ && parent == lastParent_) return *last_;
     std::string key(parent);
+    // Map entries stay where they are while others are added, so this survives the look at the ancestors.
     Folder& folder = folders_[key];
     if (folder.pass != pass_) {
         folder.pass = pass_;
         struct stat now {};
-        std::unique_ptr<char, decltype(&std::free)> real(::realpath(key.c_str(), nullptr), &std::free);
-        bool canonical = real && key == real.get() && ::stat(key.c_str(), &now) == 0;
+        // Canonical when every folder on the way is a real folder, not a link: one lstat
+        // each, ancestors shared by the whole pass, instead of a realpath per folder.
+        bool canonical = key == "/" ? ::stat("/", &now) == 0
+                                    : isPlainAbsolute(key) && folderFor(parentPath(key)).canonical &&
+                                          ::lstat(key.c_str(), &now) == 0 && S_ISDIR(now.st_mode);
         if (!canonical || !folder.canonical || !unchanged(folder.seen, now)) folder.present.clear();
         folder.canonical = canonical;
         folder.seen = now;

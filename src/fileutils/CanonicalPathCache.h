@@ -1,9 +1,10 @@
 #pragma once
 // A quick answer, over passes on many stored paths, to "would checking this
 // path change it?": a path that exists and is already canonical (no link, no
-// "." or ".." anywhere) is left as it is by CheckPath. Each folder is resolved
-// once a pass; the names found in it are trusted while the folder itself has not
-// changed since (any entry created, removed or renamed in it changes its times).
+// "." or ".." anywhere) is left as it is by CheckPath. Each folder, and each of
+// its ancestors, is looked at once a pass; the names found in a folder are
+// trusted while the folder itself has not changed since (any entry created,
+// removed or renamed in it changes its times).
 
 #include <sys/stat.h>
 

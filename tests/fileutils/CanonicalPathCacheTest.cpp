@@ -35,4 +35,14 @@ TEST(CanonicalPathCache, OnlyExistingCanonicalPathsPass) {
     cache.beginPass();
     EXPECT_FALSE(cache.isCanonicalAndExists((real / "apps" / "Mail.app").string()));
     EXPECT_TRUE(cache.isCanonicalAndExists((real / "Mail.app").string()));
+
+    // And a folder two levels up replaced by a link to where it went.
+    std::filesystem::create_directories(real / "top" / "mid" / "Notes.app");
+    std::string notes = (real / "top" / "mid" / "Notes.app").string();
+    cache.beginPass();
+    EXPECT_TRUE(cache.isCanonicalAndExists(notes));
+    std::filesystem::rename(real / "top", real / "moved");
+    std::filesystem::create_symlink(real / "moved", real / "top");
+    cache.beginPass();
+    EXPECT_FALSE(cache.isCanonicalAndExists(notes));
 }
