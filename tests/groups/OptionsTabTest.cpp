@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QListView>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QStackedWidget>
 #include <QTest>
 
@@ -89,4 +91,63 @@ TEST_F(TabWidgets, TheApplicationsTabShowsTheOptionsOfTheSelectionAndTiesTheHidi
     tab.table()->clearSelection();
     EXPECT_EQ(tab.optionsViewer()->currentIndex(), static_cast<int>(OptionsViewState::NoApplicationsSelected));
     EXPECT_FALSE(tab.servicesBar()->removeButton()->isEnabled());
+}
+
+// Tab walks the tab in drawing order, whatever order its widgets joined the focus chain
+// in, and passes over the boxes the selected application lacks or cannot use.
+TEST_F(TabWidgets, TabWalksTheApplicationsTabInDrawingOrderForEachSelection) {
+    test::TempDir dir;
+    auto record = [&](const char* name, Dictionary options) {
+        std::string path = test::makeBundle(dir.path(), name, std::string("org.example.") + name).string();
+        return Dictionary{{keys::Name, name}, {keys::Path, path}, {keys::Options, options}};
+    };
+    load(Dictionary{{keys::CustomApplications,
+                     Array{record("Both", Dictionary{{keys::Hide, true}, {keys::Force32BitMode, true}}),
+                           record("Translated", Dictionary{})}}});
+    // "Both" runs in 32-bit mode and translated, "Translated" only translated.
+    ApplicationArchitectures architectures{[](const std::string& path) { return path.find("Both") != std::string::npos; },
+                                           [](const std::string&) { return true; }};
+    CustomApplicationsTab tab(prefs, bus, page, &window, architectures);
+    tab.initializePane(true);
+    tab.willShowPane();
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QList<QRadioButton*> hideWhat = window.findChildren<QRadioButton*>();
+    KVServicesBar* bar = tab.servicesBar();
+    auto box = [&](const char* option) -> QWidget* { return tab.box(option); };
+    struct Case {
+        int row;
+        std::vector<QWidget*> options;
+    } cases[] = {
+        // Hidden at launch: "do not activate" is off limits; the pair of which one to hide
+        // is one stop, at the checked one.
+        {0, {box(keys::Hide), hideWhat[0], box(keys::DontHideOnHideOthers),
+             box(keys::DontHideInSingleAppMode), box(keys::DontAddToRecentItems), box(keys::DontAddToRecentApps),
+             box(keys::Force32BitMode), box(keys::ForceRosetta)}},
+        // The Rosetta box alone, in the 32-bit box's place.
+        {1, {box(keys::DontActivate), box(keys::Hide), box(keys::DontHideOnHideOthers),
+             box(keys::DontHideInSingleAppMode), box(keys::DontAddToRecentItems), box(keys::DontAddToRecentApps),
+             box(keys::ForceRosetta)}},
+    };
+    auto names = [](const std::vector<QWidget*>& widgets) {
+        QStringList result;
+        for (QWidget* w : widgets)  // the radio buttons are named by their text
+            result << (!w ? "none" : w->accessibleName().isEmpty() ? w->property("text").toString() : w->accessibleName());
+        return result.join(", ").toStdString();
+    };
+    for (Case& c : cases) {
+        std::vector<QWidget*> expected{tab.table(), bar->addButton(), bar->removeButton(), bar->actionButton()};
+        expected.insert(expected.end(), c.options.begin(), c.options.end());
+        for (size_t i = expected.size() - 1; i > 0; --i) QWidget::setTabOrder(expected[i], expected[i - 1]);
+        tab.table()->clearSelection();
+        tab.table()->selectRow(c.row);
+        tab.table()->setFocus();
+        std::vector<QWidget*> walked{QApplication::focusWidget()};
+        while (walked.size() < expected.size()) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            walked.push_back(QApplication::focusWidget());
+        }
+        EXPECT_EQ(names(walked), names(expected)) << "row " << c.row;
+    }
 }

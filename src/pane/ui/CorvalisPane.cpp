@@ -264,6 +264,8 @@ void ComKestrovaCorvalis_PrefsPane::tabChanged(int index) {
     _paneControllers.selectionWillChange(shownTab_, showing);
     shownTab_ = showing;
     if (applicationsBrowser_) applicationsBrowser_->synchronizeDragApplicationsInfoWithPane(showing);
+    if (auto* applications = dynamic_cast<CustomApplicationsTab*>(_paneControllers.forTab(showing)))
+        applications->fixKeyboardLoop();
 }
 
 void ComKestrovaCorvalis_PrefsPane::showSwitchState() {
