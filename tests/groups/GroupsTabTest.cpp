@@ -233,6 +233,6 @@ TEST_F(GroupsTabTest, SwitchingToTheApplicationsTabMendsItsKeyboardLoop) {
     QWidget::setTabOrder(bar->actionButton(), list);  // as if the list had joined the chain last
     pane->tabs()->setCurrentWidget(applications);
     QWidget* next = list->nextInFocusChain();
-    while (list->isAncestorOf(next)) next = next->nextInFocusChain();  // its viewport and headers
+    while (list->isAncestorOf(next)) next = next->nextInFocusChain();  // past its viewport and headers
     EXPECT_EQ(next, bar->addButton());
 }

@@ -43,67 +43,49 @@ TEST(TableViews, TypedKeysGoToTheOwnersNameOrderFirst) {
 
 // Only directly inside a bar does the pop-up take the bar's size, whatever else asks.
 TEST(ServicePopUpButton, TakesTheBarsSizeOnlyWhileDirectlyInABar) {
+    enum Where { InBar, InsideAChildOfTheBar, TakenOutOfTheBar };
     struct Case {
-        const char* where;  // "bar", "loose", or "left": put in a bar, then taken out again
+        Where where;
         bool leftEdge, embedded;
-        QSize fixed;  // invalid: free to resize
-    } cases[] = {
-        {"bar", false, false, {28, 23}}, {"bar", true, false, {29, 23}}, {"bar", false, true, {28, 22}},
-        {"bar", true, true, {29, 22}},   {"loose", true, false, {}},     {"left", false, true, {}},
-    };
+        QSize size;  // after asking for 60 x 40
+    } cases[] = {{InBar, false, false, {28, 23}},      {InBar, true, false, {29, 23}},
+                 {InBar, false, true, {28, 22}},       {InBar, true, true, {29, 22}},
+                 {InsideAChildOfTheBar, true, false, {60, 40}}, {TakenOutOfTheBar, false, true, {60, 40}}};
     for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.where) + (c.leftEdge ? " edge" : "") + (c.embedded ? " embedded" : ""));
         QWidget window;
         auto* bar = new KVServicesBar(&window);
-        auto* holder = new QWidget(bar);  // inside the bar, but not directly
-        auto* button = new KVServicePopUpButton(holder);
+        auto* button = new KVServicePopUpButton(new QWidget(bar));
         bar->setEmbeddedAtBottom(c.embedded);
-        if (std::string(c.where) != "loose") button->setParent(bar);
-        if (std::string(c.where) == "left") button->setParent(&window);
-        button->setDrawLeftEdge(c.leftEdge);  // after the move: the bar's size must follow it
+        if (c.where != InsideAChildOfTheBar) button->setParent(bar);
+        if (c.where == TakenOutOfTheBar) button->setParent(&window);
+        button->setDrawLeftEdge(c.leftEdge);  // after the move: the size must follow
         window.show();
         button->setFixedSize(60, 40);
         QApplication::processEvents();
-        EXPECT_EQ(button->isInServicesBar(), c.fixed.isValid());
-        EXPECT_EQ(button->size(), c.fixed.isValid() ? c.fixed : QSize(60, 40));
-        if (c.fixed.isValid()) {
-            EXPECT_EQ(button->sizeHint(), c.fixed);
-            EXPECT_EQ(button->minimumSizeHint(), c.fixed);
-        }
+        EXPECT_EQ(button->size(), c.size) << c.where << c.leftEdge << c.embedded;
+        EXPECT_EQ(button->isInServicesBar(), c.where == InBar);
+        EXPECT_EQ(button->minimumSizeHint() == c.size, c.where == InBar);
     }
     KVServicesBar bar;
-    bar.setEmbeddedAtBottom(true);  // after the bar made its pop-up
+    bar.setEmbeddedAtBottom(true);  // after the bar made its own pop-up
     EXPECT_EQ(bar.actionButton()->size(), QSize(28, 22));
 }
 
 TEST(ServicePopUpButton, TheBarsActionsPopUpOpensItsMenuFromTheKeyboard) {
-    QWidget window;
-    auto* bar = new KVServicesBar(&window);
+    KVServicesBar bar;
     QMenu menu;
     menu.addAction("Something");
     int opened = 0;
-    QObject::connect(&menu, &QMenu::aboutToShow, [&] {
-        ++opened;
-        QTimer::singleShot(0, &menu, &QMenu::close);
-    });
-    bar->setActionMenu(&menu);
-    window.show();
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    KVServicePopUpButton* actions = bar->actionButton();
-    EXPECT_EQ(actions->accessibleName(), "Actions");
-    actions->setFocus();
-    struct Case {
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        int opens;
-    } cases[] = {{Qt::Key_Space, {}, 1}, {Qt::Key_Return, {}, 1}, {Qt::Key_Enter, Qt::KeypadModifier, 1},
-                 {Qt::Key_Down, {}, 1},  {Qt::Key_Up, {}, 0},     {Qt::Key_Down, Qt::ControlModifier, 0}};
-    for (const Case& c : cases) {
+    QObject::connect(&menu, &QMenu::aboutToShow, [&] { ++opened; QTimer::singleShot(0, &menu, &QMenu::close); });
+    bar.setActionMenu(&menu);
+    bar.show();
+    EXPECT_EQ(bar.actionButton()->accessibleName(), "Actions");
+    for (auto [key, modifiers, opens] : std::initializer_list<std::tuple<Qt::Key, Qt::KeyboardModifiers, int>>{
+             {Qt::Key_Space, {}, 1}, {Qt::Key_Return, {}, 1}, {Qt::Key_Enter, Qt::KeypadModifier, 1},
+             {Qt::Key_Down, {}, 1}, {Qt::Key_Up, {}, 0}, {Qt::Key_Down, Qt::ControlModifier, 0}}) {
         opened = 0;
-        QTest::keyClick(actions, c.key, c.modifiers);
+        QTest::keyClick(bar.actionButton(), key, modifiers);
         QApplication::processEvents();
-        EXPECT_EQ(opened, c.opens) << QKeySequence(c.key | c.modifiers).toString().toStdString();
-        EXPECT_FALSE(menu.isVisible());
+        EXPECT_EQ(opened, opens) << QKeySequence(key | modifiers).toString().toStdString();
     }
 }
