@@ -7,6 +7,7 @@
 
 #include <cmath>
 
+#include "controls/KVServicePopUpButton.h"
 #include "controls/LocalizedText.h"
 
 namespace corvalis {
@@ -60,26 +61,33 @@ KVServiceButton::KVServiceButton(Kind kind, QWidget* parent) : QToolButton(paren
 
 QSize KVServiceButton::sizeHint() const { return {KVServicesBar::kButtonWidth, KVServicesBar::kBarHeight}; }
 
+void paintServiceButton(QPainter& painter, QToolButton& button, KVServiceButton::Kind kind, const QRect& box) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QPalette& palette = button.palette();
+    if (button.isDown() || (button.menu() && button.menu()->isVisible())) painter.fillRect(box, palette.color(QPalette::Mid));
+    QColor color = palette.color(button.isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText);
+    drawGlyph(painter, kind, box, color);
+    painter.setPen(palette.color(QPalette::Mid));
+    painter.drawLine(box.topRight(), box.bottomRight());
+    if (button.hasFocus()) {
+        painter.setPen(QPen(palette.color(QPalette::Highlight), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(QRectF(box).adjusted(1, 1, -1.5, -1.5));
+    }
+    painter.restore();
+}
+
 void KVServiceButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (isDown() || (menu() && menu()->isVisible())) painter.fillRect(rect(), palette().color(QPalette::Mid));
-    QColor color = palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText);
-    drawGlyph(painter, kind_, rect(), color);
-    painter.setPen(palette().color(QPalette::Mid));
-    painter.drawLine(rect().topRight(), rect().bottomRight());
-    if (hasFocus()) {
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 1.5));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRect(QRectF(rect()).adjusted(1, 1, -1.5, -1.5));
-    }
+    paintServiceButton(painter, *this, kind_, rect());
 }
 
 KVServicesBar::KVServicesBar(QWidget* parent)
     : QWidget(parent),
       add_(new KVServiceButton(KVServiceButton::Kind::Add, this)),
       remove_(new KVServiceButton(KVServiceButton::Kind::Remove, this)),
-      action_(new KVServiceButton(KVServiceButton::Kind::Action, this)) {
+      action_(new KVServicePopUpButton(this)) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -87,7 +95,6 @@ KVServicesBar::KVServicesBar(QWidget* parent)
     layout->addWidget(remove_);
     layout->addWidget(action_);
     layout->addStretch(1);
-    action_->setPopupMode(QToolButton::InstantPopup);
     action_->hide();  // shown once it has a menu
     setFixedHeight(kBarHeight);
 }
@@ -95,6 +102,12 @@ KVServicesBar::KVServicesBar(QWidget* parent)
 void KVServicesBar::setAddMenu(QMenu* menu) {
     add_->setMenu(menu);
     add_->setPopupMode(QToolButton::InstantPopup);
+}
+
+void KVServicesBar::setEmbeddedAtBottom(bool embedded) {
+    if (embedded == embeddedAtBottom_) return;
+    embeddedAtBottom_ = embedded;
+    for (auto* popUp : findChildren<KVServicePopUpButton*>(QString(), Qt::FindDirectChildrenOnly)) popUp->updateFrame();
 }
 
 void KVServicesBar::setActionMenu(QMenu* menu) {

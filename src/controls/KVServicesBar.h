@@ -5,7 +5,10 @@
 #include <QToolButton>
 #include <QWidget>
 
+#include "controls/KVServicePopUpButton.h"
+
 class QMenu;
+class QPainter;
 
 namespace corvalis {
 
@@ -27,6 +30,11 @@ private:
     Kind kind_;
 };
 
+// Draws a button of the strip into `box`: the pressed shade, its glyph, the line that
+// parts it from the next button and the focus ring. Shared by the bar's plain buttons
+// and its pop-up.
+void paintServiceButton(QPainter& painter, QToolButton& button, KVServiceButton::Kind kind, const QRect& box);
+
 class KVServicesBar : public QWidget {
     Q_OBJECT
 
@@ -35,13 +43,20 @@ public:
 
     KVServiceButton* addButton() const { return add_; }
     KVServiceButton* removeButton() const { return remove_; }
-    KVServiceButton* actionButton() const { return action_; }
+    KVServicePopUpButton* actionButton() const { return action_; }
     // The add button pops up this menu instead of acting directly (null: it just clicks).
     void setAddMenu(QMenu* menu);
     void setActionMenu(QMenu* menu);
 
     static constexpr int kButtonWidth = 28;
     static constexpr int kBarHeight = 23;
+    int buttonWidth() const { return kButtonWidth; }
+    int bottomBarHeight() const { return kBarHeight; }
+
+    // Set when the bar lies along its container's bottom border, so that its
+    // pop-ups stop one pixel short of that border instead of painting over it.
+    bool isEmbeddedAtBottom() const { return embeddedAtBottom_; }
+    void setEmbeddedAtBottom(bool embedded);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -49,7 +64,8 @@ protected:
 private:
     KVServiceButton* add_;
     KVServiceButton* remove_;
-    KVServiceButton* action_;
+    KVServicePopUpButton* action_;
+    bool embeddedAtBottom_ = false;
 };
 
 }  // namespace corvalis

@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QTabWidget>
 #include <QTest>
 #include <QUrl>
 
@@ -222,4 +223,16 @@ TEST_F(GroupsTabTest, AHotKeyIsRecordedAndOneTakenByAMenuIsRefused) {
     ASSERT_TRUE(alert && alert->isVisible());
     EXPECT_EQ(alert->informativeText().toStdString(), LocalizedString(keystrings::ChooseAnotherCombination));
     alert->done(0);
+}
+
+TEST_F(GroupsTabTest, SwitchingToTheApplicationsTabMendsItsKeyboardLoop) {
+    open(Array{});
+    QWidget* applications = pane->page(tabs::Applications);
+    auto* list = applications->findChild<KVTableView*>();
+    auto* bar = applications->findChild<KVServicesBar*>();
+    QWidget::setTabOrder(bar->actionButton(), list);  // as if the list had joined the chain last
+    pane->tabs()->setCurrentWidget(applications);
+    QWidget* next = list->nextInFocusChain();
+    while (list->isAncestorOf(next)) next = next->nextInFocusChain();  // past its viewport and headers
+    EXPECT_EQ(next, bar->addButton());
 }

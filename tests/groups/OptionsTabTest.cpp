@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QListView>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QStackedWidget>
 #include <QTest>
 
@@ -89,4 +91,54 @@ TEST_F(TabWidgets, TheApplicationsTabShowsTheOptionsOfTheSelectionAndTiesTheHidi
     tab.table()->clearSelection();
     EXPECT_EQ(tab.optionsViewer()->currentIndex(), static_cast<int>(OptionsViewState::NoApplicationsSelected));
     EXPECT_FALSE(tab.servicesBar()->removeButton()->isEnabled());
+}
+
+// Tab walks the tab in drawing order, whatever order its widgets joined the focus chain
+// in, and passes over the boxes the selected application lacks or cannot use.
+TEST_F(TabWidgets, TabWalksTheApplicationsTabInDrawingOrderForEachSelection) {
+    test::TempDir dir;
+    auto record = [&](const char* name, Dictionary options) {
+        return Dictionary{{keys::Name, name}, {keys::Options, options},
+                          {keys::Path, test::makeBundle(dir.path(), name, name).string()}};
+    };
+    Dictionary hiddenIn32Bit{{keys::Hide, true}, {keys::Force32BitMode, true}};
+    load(Dictionary{{keys::CustomApplications, Array{record("Both", hiddenIn32Bit), record("Translated", Dictionary{})}}});
+    // "Both" runs in 32-bit mode and translated, "Translated" only translated.
+    CustomApplicationsTab tab(prefs, bus, page, &window,
+                              {[](const std::string& path) { return path.find("Both") != std::string::npos; },
+                               [](const std::string&) { return true; }});
+    tab.initializePane(true);
+    tab.willShowPane();  // its path check rebuilds the options for what each application can run as
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QWidget* hideIt = window.findChildren<QRadioButton*>().value(0);
+    std::vector<QWidget*> lastBoxes{tab.box(keys::DontHideOnHideOthers), tab.box(keys::DontHideInSingleAppMode),
+                                    tab.box(keys::DontAddToRecentItems), tab.box(keys::DontAddToRecentApps)};
+    struct Case {
+        int row;
+        std::vector<QWidget*> first, last;
+    } cases[] = {
+        // Hidden at launch: "do not activate" is off limits; the pair of which one to hide
+        // is one stop, at the checked one. Rosetta is a choice under 32-bit mode.
+        {0, {tab.box(keys::Hide), hideIt}, {tab.box(keys::Force32BitMode), tab.box(keys::ForceRosetta)}},
+        // The Rosetta box alone, in the 32-bit box's place.
+        {1, {tab.box(keys::DontActivate), tab.box(keys::Hide)}, {tab.box(keys::ForceRosetta)}},
+    };
+    for (Case& c : cases) {
+        KVServicesBar* bar = tab.servicesBar();
+        std::vector<QWidget*> expected{tab.table(), bar->addButton(), bar->removeButton(), bar->actionButton()};
+        for (auto* part : {&c.first, &lastBoxes, &c.last}) expected.insert(expected.end(), part->begin(), part->end());
+        // Reversed first: what is walked is the order the tab sets, not the order of creation.
+        for (size_t i = expected.size() - 1; i > 0; --i) QWidget::setTabOrder(expected[i], expected[i - 1]);
+        tab.table()->clearSelection();
+        tab.table()->selectRow(c.row);
+        tab.table()->setFocus();
+        std::vector<QWidget*> walked{QApplication::focusWidget()};
+        while (walked.size() < expected.size()) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            walked.push_back(QApplication::focusWidget());
+        }
+        EXPECT_EQ(walked, expected) << "row " << c.row;
+    }
 }

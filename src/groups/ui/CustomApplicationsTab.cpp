@@ -41,6 +41,18 @@ QCheckBox* optionBox(const char* text, const char* option, QWidget* parent) {
     return box;
 }
 
+// The widgets of nested box layouts in the order they are drawn: a column top to bottom,
+// a row in reading order. Hidden widgets stay in their place.
+void appendInDrawingOrder(QLayout* layout, std::vector<QWidget*>& widgets) {
+    for (int i = 0; i < layout->count(); ++i) {
+        QLayoutItem* item = layout->itemAt(i);
+        if (QWidget* widget = item->widget())
+            widgets.push_back(widget);
+        else if (QLayout* inner = item->layout())
+            appendInDrawingOrder(inner, widgets);
+    }
+}
+
 }  // namespace
 
 CustomApplicationsTab::CustomApplicationsTab(CorvalisPreferences& prefs, NotificationCenter& distributed, QWidget* page,
@@ -96,6 +108,7 @@ CustomApplicationsTab::CustomApplicationsTab(CorvalisPreferences& prefs, Notific
     optionsViewer_->addWidget(messagePage("NoApplications", optionsViewer_));
     optionsViewer_->addWidget(messagePage("NoApplicationsSelected", optionsViewer_));
     auto* options = new QWidget(optionsViewer_);
+    optionsPage_ = options;
     auto* boxes = new QVBoxLayout(options);
     dontActivate_ = optionBox("DontActivateAtLaunch", keys::DontActivate, options);
     hide_ = optionBox("HideAtLaunchBox", keys::Hide, options);
@@ -164,24 +177,40 @@ void CustomApplicationsTab::showOptions(OptionsViewState state) {
     optionsViewer_->setCurrentIndex(static_cast<int>(state));
     bar_->removeButton()->setEnabled(controller_->canRemove());
     std::optional<LaunchOptions> options = controller_->selectedOptions();
-    if (state != OptionsViewState::Options || !options) return;
+    if (state == OptionsViewState::Options && options) showLaunchOptions(*options);
+    fixKeyboardLoop();
+}
+
+void CustomApplicationsTab::fixKeyboardLoop() {
+    // Widgets join the focus chain as they are made, not where the layouts put them.
+    std::vector<QWidget*> order{table_, bar_->addButton(), bar_->removeButton(), bar_->actionButton()};
+    appendInDrawingOrder(optionsPage_->layout(), order);
+    QWidget* previous = nullptr;
+    for (QWidget* widget : order) {
+        if (!(widget->focusPolicy() & Qt::TabFocus)) continue;
+        if (previous) QWidget::setTabOrder(previous, widget);
+        previous = widget;
+    }
+}
+
+void CustomApplicationsTab::showLaunchOptions(const LaunchOptions& options) {
     showing_ = true;
-    dontActivate_->setChecked(options->dontActivate);
-    dontActivate_->setEnabled(dontActivateEnabled(*options));
-    hide_->setChecked(options->hide);
-    hideMe_->setChecked(options->hideMeOrOthers == 0);
-    hideOthers_->setChecked(options->hideMeOrOthers != 0);
-    hideMe_->setEnabled(hideWhatEnabled(*options));
-    hideOthers_->setEnabled(hideWhatEnabled(*options));
-    dontHideOnHideOthers_->setChecked(options->dontHideOnHideOthers);
-    dontHideInSingleAppMode_->setChecked(options->dontHideInSingleAppMode);
-    dontAddToRecentItems_->setChecked(options->dontAddToRecentItems);
-    dontAddToRecentApps_->setChecked(options->dontAddToRecentApps);
+    dontActivate_->setChecked(options.dontActivate);
+    dontActivate_->setEnabled(dontActivateEnabled(options));
+    hide_->setChecked(options.hide);
+    hideMe_->setChecked(options.hideMeOrOthers == 0);
+    hideOthers_->setChecked(options.hideMeOrOthers != 0);
+    hideMe_->setEnabled(hideWhatEnabled(options));
+    hideOthers_->setEnabled(hideWhatEnabled(options));
+    dontHideOnHideOthers_->setChecked(options.dontHideOnHideOthers);
+    dontHideInSingleAppMode_->setChecked(options.dontHideInSingleAppMode);
+    dontAddToRecentItems_->setChecked(options.dontAddToRecentItems);
+    dontAddToRecentApps_->setChecked(options.dontAddToRecentApps);
     // A Rosetta box alone takes the 32-bit box's place: the layout closes up over the hidden one.
-    ArchitectureBoxes architecture = architectureBoxes(*options);
+    ArchitectureBoxes architecture = architectureBoxes(options);
     open_->setVisible(architecture.labelShown);
     openIn32BitMode_->setVisible(architecture.bit32Shown);
-    openIn32BitMode_->setChecked(options->force32BitMode.value_or(false));
+    openIn32BitMode_->setChecked(options.force32BitMode.value_or(false));
     openInRosetta_->setVisible(architecture.rosettaShown);
     openInRosetta_->setEnabled(architecture.rosettaEnabled);
     openInRosetta_->setChecked(architecture.rosettaChecked);

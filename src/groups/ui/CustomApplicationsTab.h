@@ -45,6 +45,10 @@ public:
 
     std::vector<int> selectedRows() const override { return selectedRowNumbers(); }
     void showOptions(OptionsViewState state) override;
+    // Puts the Tab key order in the order the controls are drawn: the list, its bar,
+    // then the option boxes top to bottom. Boxes that come and go with the selected
+    // application keep their place, so Tab skips them while hidden.
+    void fixKeyboardLoop();
 
     CustomApplicationsController& controller() { return *controller_; }
     KVTableView* table() const { return table_; }
@@ -58,6 +62,7 @@ public:
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void showLaunchOptions(const LaunchOptions& options);
     LaunchOptions optionsFromBoxes() const;
     void optionClicked(OptionBox changed);
     void updateActionMenu();
@@ -70,6 +75,7 @@ private:
     QAction* changeAction_ = nullptr;
     QAction* infoAction_ = nullptr;
     QStackedWidget* optionsViewer_ = nullptr;
+    QWidget* optionsPage_ = nullptr;
     QCheckBox* dontActivate_ = nullptr;
     QCheckBox* hide_ = nullptr;
     QRadioButton* hideMe_ = nullptr;

@@ -286,6 +286,8 @@ void ComKestrovaCorvalis_PrefsPane::tabChanged(int index) {
     _paneControllers.selectionWillChange(shownTab_, showing);
     shownTab_ = showing;
     if (ApplicationsBrowserLink* browser = applicationsBrowser()) browser->synchronizeDragApplicationsInfoWithPane(showing);
+    if (auto* applications = dynamic_cast<CustomApplicationsTab*>(_paneControllers.forTab(showing)))
+        applications->fixKeyboardLoop();
 }
 
 void ComKestrovaCorvalis_PrefsPane::showSwitchState() {
