@@ -149,8 +149,7 @@ TEST_F(GroupsTabTest, TheDropIndicatorShowsWhereTheDropLands) {
                  {false, member.get(), -1, a, line(groups->index(0, 0, a), false)},
                  {false, member.get(), 1, b, outline->visualRect(b)},
                  {false, dragged.get(), -1, {}, end},
-                 {true, member.get(), 1, a, outline->visualRect(a)},
-                 {true, member.get(), 2, a, outline->visualRect(a)}};
+                 {true, member.get(), 1, a, outline->visualRect(a)}};
     for (const Case& c : cases) {
         if (c.arranged && !groups->keepAppsArranged())
             for (QAction* action : pane->page("Groups")->findChild<KVServicesBar*>()->actionButton()->menu()->actions())
