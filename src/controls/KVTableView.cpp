@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QDragMoveEvent>
 #include <QPainter>
+#include <QStyleOption>
 
 #include "controls/KVIconServices.h"
 
@@ -29,6 +31,65 @@ KVTableView::KVTableView(QWidget* parent) : QTableView(parent) {
 KVOutlineView::KVOutlineView(QWidget* parent) : QTreeView(parent) {
     setItemDelegate(new KVImageAndTextCell(this));
     setSelectionBehavior(QAbstractItemView::SelectRows);
+}
+
+QRect KVOutlineView::dropIndicatorRect(const QMimeData* data, int row, const QModelIndex& parent) const {
+    DropPlace place = retarget_ ? retarget_(data, row, parent) : DropPlace{parent, row};
+    int count = model() ? model()->rowCount(place.parent) : 0;
+    bool item = place.parent.isValid() && place.parent != rootIndex();
+    // A place among rows that are not on show (a collapsed or empty item) is shown as the item.
+    if (item && (place.row < 0 || !isExpanded(place.parent) || count == 0)) return visualRect(place.parent);
+    if (place.row < 0 || count == 0) return QRect();
+    if (place.row < count) {
+        QRect below = visualRect(model()->index(place.row, 0, place.parent));
+        return QRect(below.left(), below.top(), below.width(), 0);
+    }
+    // After the last row, below everything shown beneath it, at that row's indentation.
+    QModelIndex last = model()->index(count - 1, 0, place.parent);
+    QRect level = visualRect(last);
+    while (isExpanded(last) && model()->rowCount(last) > 0) last = model()->index(model()->rowCount(last) - 1, 0, last);
+    return QRect(level.left(), visualRect(last).bottom() + 1, level.width(), 0);
+}
+
+void KVOutlineView::dragMoveEvent(QDragMoveEvent* event) {
+    QTreeView::dragMoveEvent(event);
+    if (!retarget_) return;
+    QRect rect;
+    if (event->isAccepted()) {
+        // The place Qt offers the model for a drop here, worked out as its drop does.
+        QPoint at = event->position().toPoint();
+        QModelIndex index = indexAt(at);
+        int row = -1;
+        if (!index.isValid() || !visualRect(index).contains(at)) {
+            index = rootIndex();
+        } else if (dropIndicatorPosition() == AboveItem || dropIndicatorPosition() == BelowItem) {
+            row = index.row() + (dropIndicatorPosition() == BelowItem ? 1 : 0);
+            index = index.parent();
+        }
+        rect = dropIndicatorRect(event->mimeData(), row, index);
+    }
+    if (rect != dropRect_) {
+        dropRect_ = rect;
+        viewport()->update();
+    }
+}
+
+void KVOutlineView::paintEvent(QPaintEvent* event) {
+    if (!retarget_ || !showDropIndicator()) {
+        QTreeView::paintEvent(event);
+        return;
+    }
+    // Qt's indicator stays off while the tree is drawn; the retargeted one is drawn instead.
+    setDropIndicatorShown(false);
+    QTreeView::paintEvent(event);
+    setDropIndicatorShown(true);
+    if (state() != DraggingState) dropRect_ = QRect();  // the drag left or dropped
+    if (dropRect_.isNull()) return;
+    QPainter painter(viewport());
+    QStyleOption option;
+    option.initFrom(this);
+    option.rect = dropRect_;
+    style()->drawPrimitive(QStyle::PE_IndicatorItemViewItemDrop, &option, &painter, this);
 }
 
 void KVImageAndTextCell::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {

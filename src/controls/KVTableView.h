@@ -1,14 +1,18 @@
 #pragma once
 // Table and outline views whose type-to-select asks the owner first (lists
 // sorted by name choose the row by the pane's name order), with a separator
-// row style and the image-and-text cells of the pane's lists.
+// row style and the image-and-text cells of the pane's lists; the outline can
+// draw a drop where its model will put it.
 
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <QTreeView>
 #include <functional>
 
+#include "pane/DropPlace.h"
 #include "pane/ItemRoles.h"
+
+class QMimeData;
 
 namespace corvalis {
 
@@ -42,6 +46,9 @@ private:
     TypedText typed_;
 };
 
+// Where the model will really put a drop offered at (row, parent).
+using DropRetarget = std::function<DropPlace(const QMimeData* data, int row, const QModelIndex& parent)>;
+
 class KVOutlineView : public QTreeView {
     Q_OBJECT
 
@@ -51,9 +58,21 @@ public:
     void keyboardSearch(const QString& search) override {
         if (!typed_.offer(search)) QTreeView::keyboardSearch(search);
     }
+    // With a retarget, the drop indicator shows where the model puts a drop, not the gap under
+    // the mouse, so a drop the model moves elsewhere is not drawn where it will not land.
+    void setDropRetarget(DropRetarget retarget) { retarget_ = std::move(retarget); }
+    // The indicator for a drop offered at (row, parent), in viewport coordinates: a line of zero
+    // height between rows, a row's rectangle for a drop onto it, or a null rectangle for none.
+    QRect dropIndicatorRect(const QMimeData* data, int row, const QModelIndex& parent) const;
+
+protected:
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     TypedText typed_;
+    DropRetarget retarget_;
+    QRect dropRect_;
 };
 
 // Icon and text, red or light grey by the row's error code, or a separator line.

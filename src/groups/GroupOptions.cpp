@@ -1,10 +1,12 @@
 #include "groups/GroupOptions.h"
 
+#include "fileutils/PathLimits.h"
 #include "groups/GroupsController.h"
 #include "keys/KVKeyCombinationValidator.h"
 #include "keys/KeyStrings.h"
 #include "pane/HotKeyRecording.h"
 #include "platform/NotificationCenter.h"
+#include "plist/Utf8.h"
 #include "prefs/CorvalisPreferences.h"
 #include "prefs/NotificationNames.h"
 #include "schema/PreferenceKeys.h"
@@ -63,6 +65,13 @@ void GroupOptions::setIcon(const std::string& name, const std::optional<plist::D
         selected->remove(keys::IconData);
     }
     _groups.selectedGroupDidChange();
+}
+
+bool GroupOptions::setIconFromFile(const std::string& path, const IconFileReader& read) {
+    if (!isPathWithinLimit(path) || !plist::detail::isValidUtf8(path)) return false;
+    setIcon(kCustomIcon, read(path));
+    _prefs.setOpenPanelPath(path, keys::AddFileFolderPath);
+    return true;
 }
 
 Dictionary GroupOptions::rewrittenShortcut(const Dictionary& changes) const {

@@ -3,6 +3,7 @@
 // group's switches, icon and hot key, what each edit stores and what it tells
 // the controller, and the controller's hot keys paused while a key is recorded.
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -45,6 +46,11 @@ public:
     void setFlag(const char* key, bool on);
     // A built-in name or "" (no icon); "Custom" with the icon's ICNS bytes (none: no icon).
     void setIcon(const std::string& name, const std::optional<plist::Data>& iconData = std::nullopt);
+    // A custom icon from the file chosen at `path`, whose ICNS bytes `read` makes (none: no icon);
+    // the panel then starts there next time. A path the file system would not take (too long, not
+    // UTF-8) changes nothing and answers false.
+    using IconFileReader = std::function<std::optional<plist::Data>(const std::string& path)>;
+    bool setIconFromFile(const std::string& path, const IconFileReader& read);
     void setShortcutEnabled(bool enabled);
     void setShortcutAction(int action);
     void setKeyCombination(const std::optional<KVKeyCombination>& combination);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "fileutils/CanonicalPathCache.h"
+#include "pane/DropPlace.h"
 #include "pane/EditorView.h"
 #include "pane/PaneController.h"
 #include "platform/NotificationCenter.h"
@@ -81,6 +82,10 @@ public:
                          const QModelIndex& parent) const override;
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
+    // Where a drop offered at (row, parent) lands, so the outline can show that place: groups
+    // dropped on the empty area go last; members and files dropped on a group go first, and
+    // when members are kept arranged they go onto the group wherever they were dropped.
+    DropPlace dropTarget(const QMimeData* data, int row, const QModelIndex& parent) const;
     Qt::DropActions supportedDropActions() const override { return Qt::MoveAction | Qt::CopyAction; }
     Qt::DropActions supportedDragActions() const override { return Qt::MoveAction | Qt::CopyAction; }
 

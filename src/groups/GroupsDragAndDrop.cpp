@@ -62,17 +62,26 @@ bool GroupsController::canDropMimeData(const QMimeData* data, Qt::DropAction, in
     return false;
 }
 
+DropPlace GroupsController::dropTarget(const QMimeData* data, int row, const QModelIndex& parent) const {
+    if (data && data->hasFormat(kGroupsMimeType)) return {parent, !parent.isValid() && row < 0 ? groupCount() : row};
+    if (!parent.isValid() || !isGroupRow(rowOf(parent))) return {parent, row};
+    // Arranged members take their name place wherever they were dropped, so a drop between
+    // them is one on the group; otherwise a drop on the group itself lands at the top.
+    if (_keepAppsArranged) return {parent, -1};
+    return {parent, row < 0 ? 0 : row};
+}
+
 bool GroupsController::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                                     const QModelIndex& parent) {
     bool accepted = false;
     if (canDropMimeData(data, action, row, column, parent)) {
+        DropPlace target = dropTarget(data, row, parent);
         if (data->hasFormat(kGroupsMimeType)) {
-            accepted = dropGroups(row < 0 ? groupCount() : row);
+            accepted = dropGroups(target.row);
         } else {
-            int group = rowOf(parent).row;
-            // A drop on the group itself lands at the top; arranged members take their name
-            // place wherever they were dropped, so a drop between them counts as one on the group.
-            int position = row < 0 || _keepAppsArranged ? 0 : row;
+            int group = rowOf(target.parent).row;
+            // Onto the group (arranged members) the position is only a start: they take their name place.
+            int position = std::max(target.row, 0);
             _updatePaths();
             accepted = data->hasFormat(kApplicationsMimeType) ? dropApplications(action == Qt::CopyAction, position, group)
                                                               : dropFiles(data, position, group);

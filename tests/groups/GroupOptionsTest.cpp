@@ -114,3 +114,26 @@ TEST_F(GroupOptionsTest, CustomIconsTakeTheFirstFreeNumberAndBuiltInOnesDropTheD
     options->setIcon(kCustomIcon, std::nullopt);  // nothing usable: no icon
     EXPECT_EQ(options->iconName(), "");
 }
+
+// A chosen icon file whose path the file system would not take (1000 bytes or more, or not
+// UTF-8) is refused before it is read: the group keeps its icon and nothing is posted.
+TEST_F(GroupOptionsTest, IconFilesWithPathsTooLongOrNotUtf8AreRefusedWithoutChange) {
+    struct Case {
+        std::string path;
+        bool taken;
+    } cases[] = {{"/" + std::string(998, 'a'), true}, {"/" + std::string(999, 'a'), false},
+                 {"/caf\xe9.png", false}, {"/caf\xc3\xa9.png", true}};
+    const Data old{'o', 'l', 'd'}, made{'n', 'e', 'w'};
+    for (const Case& c : cases) {
+        Dictionary record = group("A");
+        record.set(keys::Icon, "Custom 1");
+        record.set(keys::IconData, old);
+        openGroup(record);
+        bool read = false;
+        EXPECT_EQ(options->setIconFromFile(c.path, [&](const std::string&) { read = true; return std::optional(made); }),
+                  c.taken) << c.path.size();
+        EXPECT_EQ(*(*groups->groupAt(0))[keys::IconData].data(), c.taken ? made : old) << c.path.size();
+        EXPECT_EQ(read, c.taken);
+        EXPECT_EQ(posts().empty(), !c.taken);
+    }
+}

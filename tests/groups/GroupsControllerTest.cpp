@@ -157,18 +157,27 @@ TEST_F(GroupsTest, DropsLandOnOrIntoGroupsOnlyAndWaitForAnOpenSheet) {
 
 TEST_F(GroupsTest, MembersDroppedBetweenMembersLandThereUnlessArranged) {
     std::string one = app("One"), two = app("Two"), zed = app("Zed");
+    // `target`: the row the outline is told the drop goes to (-1: onto the group).
     struct Case {
         bool arranged;
         int row;
+        int target;
         std::vector<std::string> expected;
-    } cases[] = {{false, 1, {"One", "Zed", "Two"}}, {false, -1, {"Zed", "One", "Two"}}, {true, 1, {"One", "Two", "Zed"}}};
+    } cases[] = {{false, 1, 1, {"One", "Zed", "Two"}},
+                 {false, -1, 0, {"Zed", "One", "Two"}},
+                 {true, 1, -1, {"One", "Two", "Zed"}},
+                 {true, -1, -1, {"One", "Two", "Zed"}}};
     for (const Case& c : cases) {
         openWithGroups({group("A", {member(one), member(two)}), group("B", {member(zed)})}, c.arranged, 2);
         std::unique_ptr<QMimeData> data(groups->mimeData({memberIndex(1, 0)}));
+        EXPECT_EQ(groups->dropTarget(data.get(), c.row, groupIndex(0)), (DropPlace{groupIndex(0), c.target})) << c.row;
         ASSERT_TRUE(groups->dropMimeData(data.get(), Qt::MoveAction, c.row, 0, groupIndex(0)));
         EXPECT_EQ(memberNames(0), c.expected) << c.arranged << " " << c.row;
         EXPECT_TRUE(memberNames(1).empty());
     }
+    // A group dropped on the empty area goes last.
+    std::unique_ptr<QMimeData> dragged(groups->mimeData({groupIndex(0)}));
+    EXPECT_EQ(groups->dropTarget(dragged.get(), -1, {}), (DropPlace{{}, 2}));
 }
 
 TEST_F(GroupsTest, ChangingAMemberReplacesItInPlaceResortsItOrMergesIntoTheMemberWithThatPath) {

@@ -125,6 +125,41 @@ TEST_F(GroupsTabTest, MembersDragBetweenGroupsAndFilesDropIn) {
     for (const EditorRow& row : groups->selectedRows()) EXPECT_GE(row.group, 0);
 }
 
+// The outline draws a drop where the model puts it: between members unless they are kept
+// arranged (then onto their group), above the first member for a drop onto an expanded group,
+// onto a collapsed one, and below everything for a group dropped on the empty area.
+TEST_F(GroupsTabTest, TheDropIndicatorShowsWhereTheDropLands) {
+    std::string mail = app("Mail"), notes = app("Notes");
+    open(Array{group("B", {mail}), group("A", {mail, notes})});
+    QModelIndex b = groups->index(0, 0), a = groups->index(1, 0);
+    outline->expand(a);
+    std::unique_ptr<QMimeData> member(groups->mimeData({groups->index(0, 0, b)})), dragged(groups->mimeData({b}));
+    auto line = [this](const QModelIndex& index, bool below) {
+        QRect row = outline->visualRect(index);
+        return QRect(row.left(), below ? row.bottom() + 1 : row.top(), row.width(), 0);
+    };
+    QRect end = line(groups->index(1, 0, a), true);
+    end.setLeft(outline->visualRect(a).left());
+    struct Case {
+        bool arranged;
+        QMimeData* data;
+        int row;
+        QModelIndex parent;
+        QRect expected;
+    } cases[] = {{false, member.get(), 1, a, line(groups->index(1, 0, a), false)},
+                 {false, member.get(), -1, a, line(groups->index(0, 0, a), false)},
+                 {false, member.get(), 1, b, outline->visualRect(b)},
+                 {false, dragged.get(), -1, {}, end},
+                 {true, member.get(), 1, a, outline->visualRect(a)}};
+    for (const Case& c : cases) {
+        if (c.arranged && !groups->keepAppsArranged())
+            for (QAction* action : pane->page("Groups")->findChild<KVServicesBar*>()->actionButton()->menu()->actions())
+                if (action->text() == "Keep Applications Arranged") action->trigger();
+        ASSERT_EQ(groups->keepAppsArranged(), c.arranged);
+        EXPECT_EQ(outline->dropIndicatorRect(c.data, c.row, c.parent), c.expected) << c.arranged << " " << c.row;
+    }
+}
+
 TEST_F(GroupsTabTest, ArrangementMenuAndCustomIconFromAPng) {
     open(Array{group("b"), group("a")});
     QMenu* actions = pane->page("Groups")->findChild<KVServicesBar*>()->actionButton()->menu();

@@ -167,10 +167,12 @@ void GroupOptionsBox::chooseIcon(int index) {
             synchronize();  // cancelled: the menu shows the icon the group still has
             return;
         }
-        std::optional<QByteArray> bytes = GroupIcons::icnsForFile(QString::fromStdString(paths.front()));
         // A file that gives no icon at all leaves the group with none, not with the one it had.
-        options_.setIcon(kCustomIcon, bytes ? std::optional(plist::Data(bytes->begin(), bytes->end())) : std::nullopt);
-        prefs_.setOpenPanelPath(paths.front(), keys::AddFileFolderPath);
+        bool taken = options_.setIconFromFile(paths.front(), [](const std::string& path) -> std::optional<plist::Data> {
+            std::optional<QByteArray> bytes = GroupIcons::icnsForFile(QString::fromStdString(path));
+            return bytes ? std::optional(plist::Data(bytes->begin(), bytes->end())) : std::nullopt;
+        });
+        if (!taken) synchronize();  // refused: the menu shows the icon the group kept
     });
 }
 

@@ -72,6 +72,9 @@ KVOutlineView* makeGroupsOutline(GroupsController& groups, GroupIcons& icons, QW
     outline->setDragEnabled(true);
     outline->setAcceptDrops(true);
     outline->setDropIndicatorShown(true);
+    outline->setDropRetarget([&groups](const QMimeData* data, int row, const QModelIndex& parent) {
+        return groups.dropTarget(data, row, parent);
+    });
     outline->setAccessibleName(localized("GroupsOutline"));
     outline->setObjectName("groups");
     return outline;
