@@ -62,10 +62,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    // Before the buttons: the pop-up reads it while the bar makes it.
+    bool embeddedAtBottom_ = false;
     KVServiceButton* add_;
     KVServiceButton* remove_;
     KVServicePopUpButton* action_;
-    bool embeddedAtBottom_ = false;
 };
 
 }  // namespace corvalis

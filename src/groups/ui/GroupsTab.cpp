@@ -209,39 +209,34 @@ void GroupsTab::windowDidBecomeMain() { controller_->windowDidBecomeMain(); }
 void GroupsTab::updatePane(std::string& report) { controller_->updatePane(report); }
 
 void GroupsTab::addScreenshotViews(ComKestrovaCorvalis_PrefsPane& pane) {
-    auto showTab = [&pane] {
-        pane.showScreenshotView(QString("tab-") + tabs::Groups);
-        return true;
-    };
-    pane.addScreenshotView("groups-expanded", [this, showTab] {
-        showTab();
-        outline_->expandAll();
-        if (controller_->groupCount() > 0) selectRows({EditorRow{0}});
-        optionsBox_->synchronize();
-        return true;
-    });
+    pane.addScreenshotView(
+        "groups-expanded", [this] {
+            outline_->expandAll();
+            if (controller_->groupCount() > 0) selectRows({EditorRow{0}});
+            optionsBox_->synchronize();
+            return true;
+        },
+        tabs::Groups);
     const std::pair<const char*, GroupOptionsState> states[] = {{"groups-options-no-groups", GroupOptionsState::NoGroups},
                                                                 {"groups-options-none-selected", GroupOptionsState::NoGroupsSelected},
                                                                 {"groups-options-multiple", GroupOptionsState::MultipleGroups}};
     for (const auto& [name, state] : states)
-        pane.addScreenshotView(name, [this, showTab, state = state] {
-            showTab();
+        pane.addScreenshotView(name, [this, state = state] {
             // The selection that leads to the state where there is one; "no groups" can only be shown.
             if (state == GroupOptionsState::NoGroupsSelected) selectRows({});
             if (state == GroupOptionsState::MultipleGroups && controller_->groupCount() > 1)
                 selectRows({EditorRow{0}, EditorRow{1}});
             optionsBox_->showState(state);
             return true;
-        });
-    pane.addScreenshotView("groups-delete-confirmation", [this, showTab] {
-        showTab();
+        }, tabs::Groups);
+    pane.addScreenshotView("groups-delete-confirmation", [this] {
         optionsBox_->synchronize();
         // The question as it is asked for the first group, whether or not it has members yet.
         std::optional<plist::Dictionary> first = controller_->groupAt(0);
         std::string name = first ? (*first)[keys::Name].stringOr("") : LocalizedFormat(groupstrings::NewGroup, {1LL});
         ask(GroupsController::deleteGroupsAlert(name, false), {});
         return true;
-    });
+    }, tabs::Groups);
 }
 
 }  // namespace corvalis

@@ -146,8 +146,9 @@ std::unique_ptr<OptionsTab> OptionsTab::create(ComKestrovaCorvalis_PrefsPane& pa
     auto tab = std::make_unique<OptionsTab>(pane.prefs(), pane.distributedNotifications(), pane.localNotifications(),
                                             pane.domainStore(), pane.page(tabs::Options), pane.window());
     OptionsTab* shown = tab.get();
-    pane.addScreenshotView("sheet-panel-buttons", [shown] { return shown->openButtonsSheet(true) != nullptr; });
-    pane.addScreenshotView("sheet-status-item-buttons", [shown] { return shown->openButtonsSheet(false) != nullptr; });
+    pane.addScreenshotView("sheet-panel-buttons", [shown] { return shown->openButtonsSheet(true) != nullptr; }, tabs::Options);
+    pane.addScreenshotView("sheet-status-item-buttons", [shown] { return shown->openButtonsSheet(false) != nullptr; },
+                           tabs::Options);
     return tab;
 }
 

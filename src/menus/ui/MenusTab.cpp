@@ -81,14 +81,18 @@ std::unique_ptr<MenusTab> MenusTab::make(ComKestrovaCorvalis_PrefsPane& pane) {
                         pane.distributedNotifications(), [&pane] { return pane.applicationsBrowser(); }},
         pane.page(tabs::Menus), pane.window());
     MenusTab* shown = tab.get();
-    pane.addScreenshotView("sheet-configure-menus", [shown] {
-        shown->onConfigureMenus();
-        return true;
-    });
-    pane.addScreenshotView("sheet-configure-previews", [shown] {
-        shown->onConfigurePreviews();
-        return true;
-    });
+    pane.addScreenshotView(
+        "sheet-configure-menus", [shown] {
+            shown->onConfigureMenus();
+            return true;
+        },
+        tabs::Menus);
+    pane.addScreenshotView(
+        "sheet-configure-previews", [shown] {
+            shown->onConfigurePreviews();
+            return true;
+        },
+        tabs::Menus);
     return tab;
 }
 

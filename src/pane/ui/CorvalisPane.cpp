@@ -417,7 +417,7 @@ QStringList ComKestrovaCorvalis_PrefsPane::screenshotViews() const {
     QStringList views;
     for (int i = 0; i < tabs_->count(); ++i) views << "tab-" + tabs_->widget(i)->objectName();
     views << "sheet-welcome" << "sheet-about" << "sheet-software-update" << "panel-back-up";
-    for (const auto& view : extraScreenshotViews_) views << view.first;
+    for (const ScreenshotView& view : extraScreenshotViews_) views << view.name;
     return views;
 }
 
@@ -438,15 +438,18 @@ bool ComKestrovaCorvalis_PrefsPane::showScreenshotView(const QString& name) {
     else if (name == "sheet-software-update") onSoftwareUpdate();
     else if (name == "panel-back-up") onBackUpSettings();
     else {
-        for (const auto& view : extraScreenshotViews_)
-            if (view.first == name) return view.second();
+        for (const ScreenshotView& view : extraScreenshotViews_) {
+            if (view.name != name) continue;
+            if (view.tab && page(view.tab)) tabs_->setCurrentWidget(page(view.tab));
+            return view.show();
+        }
         return false;
     }
     return true;
 }
 
-void ComKestrovaCorvalis_PrefsPane::addScreenshotView(const QString& name, std::function<bool()> show) {
-    extraScreenshotViews_.emplace_back(name, std::move(show));
+void ComKestrovaCorvalis_PrefsPane::addScreenshotView(const QString& name, std::function<bool()> show, const char* tab) {
+    extraScreenshotViews_.push_back({name, std::move(show), tab});
 }
 
 }  // namespace corvalis

@@ -86,8 +86,8 @@ public:
     ApplicationsBrowserLink* applicationsBrowser() const { return browserWindow_ ? applicationsBrowser_ : nullptr; }
     void setApplicationsBrowser(ApplicationsBrowserLink* browser, QWidget* browserWindow);
     // A view for --screenshot beyond the tabs: showing it opens a sheet or window and
-    // answers whether it could.
-    void addScreenshotView(const QString& name, std::function<bool()> show);
+    // answers whether it could. With `tab`, that tab is shown first, under the sheet.
+    void addScreenshotView(const QString& name, std::function<bool()> show, const char* tab = nullptr);
     // The sheet shown over the window, if any.
     QDialog* attachedSheet() const;
 
@@ -147,7 +147,12 @@ private:
     std::string shownTab_;
     ApplicationsBrowserLink* applicationsBrowser_ = nullptr;
     QPointer<QWidget> browserWindow_;
-    std::vector<std::pair<QString, std::function<bool()>>> extraScreenshotViews_;
+    struct ScreenshotView {
+        QString name;
+        std::function<bool()> show;
+        const char* tab;
+    };
+    std::vector<ScreenshotView> extraScreenshotViews_;
     bool _closeCorvalis = false;
     // Between didSelect and willUnselect the tabs hear of the window becoming active.
     bool observingWindow_ = false;
