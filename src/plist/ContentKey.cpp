@@ -8,15 +8,12 @@ namespace corvalis::plist {
 
 namespace {
 
-// Appends through a raw cursor: a large domain is hundreds of thousands of tiny pieces.
+// Grows like any string, without zero-filling the room it reserves: the key of
+// a large domain is megabytes, written in hundreds of thousands of tiny pieces.
 struct KeyWriter {
     std::string out;
-    std::size_t used = 0;
     bool put(const char* bytes, std::size_t length) {
-        if (length == 0) return true;  // empty data or text may have no buffer at all
-        if (out.size() - used < length) out.resize(std::max(out.size() * 2, used + length + 4096));
-        std::memcpy(out.data() + used, bytes, length);
-        used += length;
+        if (length != 0) out.append(bytes, length);  // empty data or text may have no buffer at all
         return true;
     }
 };
@@ -94,8 +91,8 @@ bool put(Sink& sink, const Value& value) {
 
 std::string contentKey(const Value& value) {
     KeyWriter writer;
+    writer.out.reserve(4096);
     put(writer, value);
-    writer.out.resize(writer.used);
     return std::move(writer.out);
 }
 
