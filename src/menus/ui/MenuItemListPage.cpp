@@ -20,6 +20,7 @@ namespace corvalis {
 
 namespace {
 constexpr int kEditDelayMs = 100;
+constexpr int kEditTries = 30;
 // The room a row's icon takes before its name, and the margin after the name.
 constexpr int kIconAndGap = 19;
 constexpr int kTextMargin = 3;
@@ -105,11 +106,16 @@ std::vector<int> MenuItemListPage::selectedRows() const {
     return rows;
 }
 
-void MenuItemListPage::editName(const EditorRow& row) {
-    // Once the panel that asked for the row has gone and given the focus back.
-    QTimer::singleShot(kEditDelayMs, this, [this, row] {
+void MenuItemListPage::editName(const EditorRow& row) { editNameOnceActive(row, kEditTries); }
+
+// Once the panel that asked for the row has gone and the sheet has the focus back, which
+// on a busy machine takes longer than one wait: an editor opened in an inactive sheet
+// would not get the keyboard.
+void MenuItemListPage::editNameOnceActive(const EditorRow& row, int tries) {
+    QTimer::singleShot(kEditDelayMs, this, [this, row, tries] {
         if (!table_) return;
         table_->window()->activateWindow();
+        if (!table_->window()->isActiveWindow() && tries > 1) return editNameOnceActive(row, tries - 1);
         table_->setFocus();
         QtEditorView::editName(row);
     });

@@ -44,6 +44,7 @@ protected:
     virtual void addActions(QMenu* menu) { (void)menu; }
 
 private:
+    void editNameOnceActive(const EditorRow& row, int tries);
     void rebuildAddMenu();
     void rebuildActionsMenu();
     void updateRemoveButton();
