@@ -21,19 +21,31 @@ using namespace corvalis;
 using namespace corvalis::plist;
 namespace fs = std::filesystem;
 
-// The tab as a user drives it: the policy chosen in the table and a removal
-// confirmed in its sheet, each landing in the application's own file.
-TEST(WindowRestorationTab, ChangingAndRemovingFromTheTableWriteTheApplicationsFile) {
+namespace {
+
+// One installed application, "Editor", whose own preferences file the test writes first.
+class WindowRestorationTabTest : public ::testing::Test {
+protected:
     test::TempDir dir;
     test::MemoryDomainStore domains;
     InProcessNotificationCenter bus;
-    CorvalisPreferences prefs(domains, bus);
+    CorvalisPreferences prefs{domains, bus};
     test::FakeWorkspace workspace;
     test::FakeRunningApplications running;
     std::string editor = test::makeBundle(dir / "Applications", "Editor", "org.editor").string();
-    workspace.addApplication(editor, "org.editor");
     fs::path file = dir / "Preferences" / "org.editor.plist";
-    fs::create_directories(file.parent_path());
+
+    void SetUp() override {
+        workspace.addApplication(editor, "org.editor");
+        fs::create_directories(file.parent_path());
+    }
+};
+
+}  // namespace
+
+// The tab as a user drives it: the policy chosen in the table and a removal
+// confirmed in its sheet, each landing in the application's own file.
+TEST_F(WindowRestorationTabTest, ChangingAndRemovingFromTheTableWriteTheApplicationsFile) {
     test::writeFile(file, toXml(Dictionary{{kWindowPersistenceKey, false}, {"Other", "kept"}}));
     auto keeps = [&] { return asDictionary(parse(test::readFile(file)).value).value_or(Dictionary()); };
 
@@ -64,17 +76,7 @@ TEST(WindowRestorationTab, ChangingAndRemovingFromTheTableWriteTheApplicationsFi
 }
 
 // A listed application deleted while the tab is shown keeps its row, drawn as missing.
-TEST(WindowRestorationTab, AnApplicationDeletedWhileShownStaysAsMissing) {
-    test::TempDir dir;
-    test::MemoryDomainStore domains;
-    InProcessNotificationCenter bus;
-    CorvalisPreferences prefs(domains, bus);
-    test::FakeWorkspace workspace;
-    test::FakeRunningApplications running;
-    std::string editor = test::makeBundle(dir / "Applications", "Editor", "org.editor").string();
-    workspace.addApplication(editor, "org.editor");
-    fs::path file = dir / "Preferences" / "org.editor.plist";
-    fs::create_directories(file.parent_path());
+TEST_F(WindowRestorationTabTest, AnApplicationDeletedWhileShownStaysAsMissing) {
     test::writeFile(file, toXml(Dictionary{{kWindowPersistenceKey, true}}));
 
     QWidget window;
