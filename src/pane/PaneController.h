@@ -15,6 +15,8 @@ public:
     virtual void willShowPane() {}
     virtual void willHidePane() {}
     virtual void windowDidBecomeMain() {}
+    // Once the tab is on screen: a tab whose controls move puts its Tab-key order right.
+    virtual void fixKeyboardLoop() {}
     // After an import: appends a line for each thing the tab had to change.
     virtual void updatePane(std::string& report) { (void)report; }
 };

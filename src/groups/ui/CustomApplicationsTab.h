@@ -48,7 +48,7 @@ public:
     // Puts the Tab key order in the order the controls are drawn: the list, its bar,
     // then the option boxes top to bottom. Boxes that come and go with the selected
     // application keep their place, so Tab skips them while hidden.
-    void fixKeyboardLoop();
+    void fixKeyboardLoop() override;
 
     CustomApplicationsController& controller() { return *controller_; }
     KVTableView* table() const { return table_; }

@@ -286,8 +286,7 @@ void ComKestrovaCorvalis_PrefsPane::tabChanged(int index) {
     _paneControllers.selectionWillChange(shownTab_, showing);
     shownTab_ = showing;
     if (ApplicationsBrowserLink* browser = applicationsBrowser()) browser->synchronizeDragApplicationsInfoWithPane(showing);
-    if (auto* applications = dynamic_cast<CustomApplicationsTab*>(_paneControllers.forTab(showing)))
-        applications->fixKeyboardLoop();
+    if (PaneController* controller = _paneControllers.forTab(showing)) controller->fixKeyboardLoop();
 }
 
 void ComKestrovaCorvalis_PrefsPane::showSwitchState() {
