@@ -51,8 +51,11 @@ ExcludedApplicationsBox::ExcludedApplicationsBox(ExcludedApplicationsList& list,
     connect(bar_->addButton(), &QToolButton::clicked, this, [this] { list_.onAddApplication(); });
     connect(bar_->removeButton(), &QToolButton::clicked, this, [this] { list_.onRemoveApplication(); });
     bar_->addButton()->setAccessibleName(localized("AddApplicationButton"));
+    // Named apart from the menu list's own bar on the same page.
     bar_->removeButton()->setAccessibleName(localized("RemoveApplicationButton"));
-    for (QToolButton* button : {static_cast<QToolButton*>(bar_->addButton()), static_cast<QToolButton*>(bar_->removeButton())})
+    bar_->actionButton()->setAccessibleName(localized("ApplicationActionsButton"));
+    for (QToolButton* button : {static_cast<QToolButton*>(bar_->addButton()), static_cast<QToolButton*>(bar_->removeButton()),
+                                static_cast<QToolButton*>(bar_->actionButton())})
         button->setToolTip(button->accessibleName());
     listSide->addWidget(bar_);
     layout_->addLayout(listSide, 1);
