@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "fileutils/ExecutableArchitectures.h"
 #include "groups/GroupsFixture.h"
 #include "menus/ConfigureQuitMenuController.h"
 #include "menus/ConfigureSwitchMenuController.h"
@@ -323,4 +324,14 @@ TEST_F(SwitchMenuTest, ControllerChangesOfTheExcludedListApplyAsFarAsValid) {
     EXPECT_EQ(list.nameAt(0), "Edit");
     EXPECT_EQ(excludedView.selected, std::vector<int>{1});  // Term, followed by its path
     EXPECT_TRUE(bus.posted().empty());                     // the controller's own change is not sent back
+}
+
+TEST(RunningApplicationMarks, TheTranslationBoxShowsOnlyBefore10_7OnThisProcessor) {
+    struct Case { const char* system; bool translated; };
+    for (const Case& c : {Case{"10.6.8", true}, Case{"10.7", false}, Case{"10.13", false}}) {
+        RunningApplicationMarks marks = RunningApplicationMarks::forThisComputer(KVOperatingSystem::SystemVersion::probe(c.system));
+        // A 64-bit processor marks the mode; one without would show only the translation box.
+        EXPECT_EQ(marks.showsAppMode, Is64BitProcessor()) << c.system;
+        EXPECT_EQ(marks.showsTranslated, c.translated || !Is64BitProcessor()) << c.system;
+    }
 }
