@@ -246,14 +246,16 @@ protected:
 
 TEST_F(SwitchMenuTest, ExcludedListIsTheStoresOwnArraySentWhole) {
     std::string term = app("Term"), edit = app("Edit"), upper = app("TERM");
+    std::string unreadable = app("Bad\xff");  // a name the controller could not read back
     openSwitch(Dictionary{});
-    excludedView.pickedFiles = {{term, edit}, {upper, term}};
+    excludedView.pickedFiles = {{term, unreadable, edit}, {upper, term}};
     ExcludedApplicationsList& list = switcher->excludedApplications();
     list.onAddApplication();
     ASSERT_EQ(bus.posted().size(), 1u);
     const Value& sent = (*bus.posted()[0].userInfo)[changes::ChangeSwitchMenuExcludedApps][keys::SwitchMenuExcludedApplications];
     EXPECT_TRUE(sent.array() && sent.array()->isSameObject(*prefs.prefsData()[keys::SwitchMenuExcludedApplications].array()));
     EXPECT_EQ(list.nameAt(0), "Edit");
+    EXPECT_EQ(list.rowCount(), 2);
     // Nothing new (the same path, and one differing only in letter case): nothing saved.
     list.onAddApplication();
     EXPECT_EQ(list.rowCount(), 2);
