@@ -337,3 +337,20 @@ TEST(RunningApplicationMarks, TheTranslationBoxShowsOnlyBefore10_7OnThisProcesso
         EXPECT_EQ(marks.showsTranslated, c.translated || !Is64BitProcessor()) << c.system;
     }
 }
+
+TEST_F(QuitMenuTest, AnOpenChangePanelFollowsTheSelectedApplicationWhenTheWindowComesBack) {
+    std::string one = app("One"), two = app("Two");
+    openQuit({}, {one, two});
+    excludedView.selected = {1};
+    excludedView.holdPanels = true;
+    list().onChangeApplication();
+    ASSERT_EQ(excludedView.panels.size(), 1u);
+    EXPECT_EQ(excludedView.panels[0].prompt, LocalizedString("Change"));
+    std::filesystem::remove_all(two);
+    quit->sheetWindowDidBecomeMain(false);  // another tab of the sheet is shown: not this editor's business
+    EXPECT_EQ(std::count_if(excludedView.calls.begin(), excludedView.calls.end(),
+                            [](const std::string& call) { return call.rfind("retitle", 0) == 0; }), 0);
+    quit->sheetWindowDidBecomeMain(true);
+    EXPECT_EQ(excludedView.calls.back(), "retitle " + LocalizedString("FixPath2") + " | " + LocalizedString("Fix"));
+    excludedView.closePanel();
+}

@@ -174,3 +174,17 @@ TEST_F(QuitSwitchPagesTest, OpeningTheSheetRefreshesOnlyTheShownEditorsPaths) {
     showPage<SwitchMenuPage>("Switch");
     EXPECT_EQ(excludedPath("Switch"), mail);
 }
+
+TEST_F(QuitSwitchPagesTest, TheMenusTabsSummaryCountsEachMenusMissingApplications) {
+    Dictionary gone{{keys::Name, "Gone"}, {keys::Path, (dir / "Gone.app").string()}};
+    openTab(Dictionary{{keys::Groups, Array{Dictionary{{keys::Name, "Excluded"}, {keys::CanBeDeleted, false},
+                                                       {keys::Applications, Array{gone}}}}},
+                       {keys::SwitchMenuExcludedApplications, Array{gone.deepCopy(), Dictionary{{keys::Name, "Lost"},
+                                                                    {keys::Path, (dir / "Lost.app").string()}}}}});
+    std::string report;
+    tab->updatePane(report);
+    std::string one = LocalizedString("OneInvalidPath");
+    EXPECT_NE(report.find(LocalizedFormat("QuitMenuSummary", {one})), std::string::npos) << report;
+    EXPECT_NE(report.find(LocalizedFormat("SwitchMenuSummary", {LocalizedFormat("MoreInvalidPaths", {2LL})})),
+              std::string::npos) << report;
+}
