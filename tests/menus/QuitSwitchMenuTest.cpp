@@ -47,13 +47,15 @@ protected:
     }
     // The excluded group as the store now holds it, and its applications' names.
     Dictionary storedExcludedGroup() {
-        for (const Value& group : *prefs.arrayForKey(keys::Groups))
+        Array stored = prefs.arrayForKey(keys::Groups).value_or(Array());
+        for (const Value& group : stored)
             if (group[keys::CanBeDeleted].toBool() == false) return *group.dictionary();
         return Dictionary();
     }
     Strings storedExcluded() {
         Strings names;
-        for (const Value& app : *storedExcludedGroup()[keys::Applications].array()) names.push_back(app[keys::Name].stringOr(""));
+        Array applications = plist::asArray(storedExcludedGroup()[keys::Applications]).value_or(Array());
+        for (const Value& app : applications) names.push_back(app[keys::Name].stringOr(""));
         return names;
     }
     // Each "ChangeGroups" payload's flag: "true", "false", or "-" when absent.
