@@ -45,8 +45,10 @@ std::string MenuItemListModel::displayNameAt(int row) const {
     std::string kind = kindAt(row);
     if (kind == items::Separator) return items::Separator;
     if (pathAt(row)) return _menuItems[row][keys::Name].stringOr("");
-    return LocalizedString(kind.c_str());
+    return kindTitle(kind);
 }
+
+std::string MenuItemListModel::kindTitle(const std::string& kind) const { return LocalizedString(kind.c_str()); }
 
 std::string MenuItemListModel::kindPath(const std::string&) const { return {}; }
 

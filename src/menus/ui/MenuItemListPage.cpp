@@ -124,9 +124,9 @@ void MenuItemListPage::editNameOnceActive(const EditorRow& row, int tries) {
 void MenuItemListPage::rebuildAddMenu() {
     addMenu_->clear();
     for (const std::string& kind : model_.addMenuKinds()) {
-        QString title = localized(kind.c_str());
+        QString title = QString::fromStdString(model_.kindTitle(kind));
         addMenu_->addAction(title, this, [this, kind] { model_.onAddItem(kind); });
-        if (kind == items::Folder) addMenu_->insertSeparator(addMenu_->actions().last());
+        if (kind == items::Folder || kind == items::FileOrFolder) addMenu_->insertSeparator(addMenu_->actions().last());
     }
 }
 
