@@ -3,6 +3,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
@@ -23,6 +25,8 @@
 #include "menus/ui/MenuHotKeysTable.h"
 #include "menus/ui/MenusTab.h"
 #include "menus/ui/OpenMenuPage.h"
+#include "menus/ConfigureSpecialMenuController.h"
+#include "menus/ui/SpecialMenuPage.h"
 #include "prefs/MenuItemKinds.h"
 #include "prefs/NotificationNames.h"
 #include "support/IntegrationSupport.h"
@@ -100,7 +104,7 @@ TEST_F(MenusTabTest, ConfigureMenusSheetEditsTheOpenMenu) {
     EXPECT_TRUE(tab->configureMenusSheet()->windowModality() == Qt::WindowModal);
     tab->configureMenusSheet()->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(tab->configureMenusSheet()));
-    ASSERT_EQ(tab->configureMenusSheet()->tabs()->count(), 1);
+    ASSERT_EQ(tab->configureMenusSheet()->tabs()->count(), 2);
     OpenMenuPage* page = openMenuPage();
     ASSERT_TRUE(page);
     Strings factory = openMenuKinds();
@@ -253,6 +257,41 @@ TEST_F(MenusTabTest, PreviewsSheetRepairsSizesOnceAndKeepsTheFilterStoredWhileOf
     tab->onConfigurePreviews();  // prepared already: nothing repaired again
     EXPECT_TRUE(bus.posted().empty());
     sheet->done(1);
+}
+
+TEST_F(MenusTabTest, SpecialTabKeepsItsOptionsWithItsMenu) {
+    open(Dictionary{{keys::SpecialMenuItems, Array{Dictionary{{keys::Item, "Home"}}}}});
+    tab->configureMenusButton()->click();
+    auto* page = qobject_cast<SpecialMenuPage*>(tab->configureMenusSheet()->page("Special"));
+    ASSERT_TRUE(page);
+    tab->configureMenusSheet()->tabs()->setCurrentWidget(page);
+    EXPECT_FALSE(page->volumesOptions()->isVisible());
+    EXPECT_FALSE(page->table()->model()->flags(page->table()->model()->index(0, 0)) & Qt::ItemIsEditable);
+
+    // Adding the disks brings their options; the keyboard reaches and changes them.
+    QAction* volumes = entry(page->addMenu(), QString::fromStdString(LocalizedString("Volumes")));
+    ASSERT_TRUE(volumes);
+    volumes->trigger();
+    EXPECT_TRUE(page->volumesOptions()->isVisible());
+    QCheckBox* network = page->diskBox(keys::ShowNetworkDisks);
+    network->setFocus();
+    QTest::keyClick(network, Qt::Key_Space);
+    EXPECT_FALSE(prefs.boolForKey(keys::ShowNetworkDisks));
+    page->quickCopyPathCommand()->setFocus();
+    QTest::keyClick(page->quickCopyPathCommand(), Qt::Key_Down);
+    EXPECT_EQ(prefs.stringForKey(keys::QuickCopyPathCommand), ConfigureSpecialMenuController::quickCopyPathCommandText(1));
+    EXPECT_EQ(postedNames(), Strings(3, notifications::CorvalisPaneChangedPrefs));
+
+    // Only a row with a path can be changed; removing the disks takes their options away.
+    QAction* change = entry(page->actionsMenu(), QString::fromStdString(LocalizedString("ChangeFileOrFolder1")));
+    ASSERT_TRUE(change);
+    EXPECT_FALSE(change->isEnabled());
+    page->table()->setFocus();
+    page->table()->selectRow(1);
+    QTest::keyClick(page->table(), Qt::Key_Delete);
+    EXPECT_EQ(kinds(prefs.prefsData()[keys::SpecialMenuItems]), Strings{"Home"});
+    EXPECT_FALSE(page->volumesOptions()->isVisible());
+    tab->configureMenusSheet()->done(1);
 }
 
 // Kinds without a file of their own still show an image, whatever icon theme the desktop has.

@@ -11,6 +11,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QStandardPaths>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
 #include "controls/KVTableView.h"
@@ -20,9 +21,11 @@
 #include "keys/ui/KVKeyCombinationTextField.h"
 #include "keys/ui/KeyCombinationTableKeys.h"
 #include "menus/ConfigureOpenMenuController.h"
+#include "menus/ConfigureSpecialMenuController.h"
 #include "menus/ui/ConfigurePreviewsSheet.h"
 #include "menus/ui/MenuHotKeysTable.h"
 #include "menus/ui/OpenMenuPage.h"
+#include "menus/ui/SpecialMenuPage.h"
 #include "pane/PaneControllers.h"
 #include "pane/ui/CorvalisPane.h"
 #include "platform/InProcessNotificationCenter.h"
@@ -58,10 +61,12 @@ MenusTab::MenusTab(const MenusTabContext& context, QWidget* page, QWidget* windo
       controller_(std::make_unique<MenusController>(context.prefs, context.validator, context.local,
                                                     context.distributed, context.browser, *this)),
       launcher_(&startDetached) {
-    // The sheet's tabs, in order. The Quit, Switch and Special editors join here.
+    // The sheet's tabs, in order. The Quit and Switch editors join between Open and Special.
     addEditor<ConfigureOpenMenuController, OpenMenuPage>(
         "Open", std::make_unique<ConfigureOpenMenuController>(context.prefs, context.local, context.distributed,
                                                               context.browser));
+    addEditor<ConfigureSpecialMenuController, SpecialMenuPage>(
+        "Special", std::make_unique<ConfigureSpecialMenuController>(context.prefs, context.distributed));
     buildPage(page);
     context_.validator.setHotKeysTable([this] { hotKeysModel_->reload(); });
 }
@@ -85,6 +90,14 @@ std::unique_ptr<MenusTab> MenusTab::make(ComKestrovaCorvalis_PrefsPane& pane) {
         "sheet-configure-menus", [shown] {
             shown->onConfigureMenus();
             return true;
+        },
+        tabs::Menus);
+    pane.addScreenshotView(
+        "sheet-configure-menus-special", [shown] {
+            shown->onConfigureMenus();
+            QWidget* special = shown->configureMenusSheet()->page("Special");
+            shown->configureMenusSheet()->tabs()->setCurrentWidget(special);
+            return special != nullptr;
         },
         tabs::Menus);
     pane.addScreenshotView(
