@@ -87,6 +87,7 @@ void PathMenuItemListModel::_insertPaths(std::optional<std::vector<std::string>>
     panel.canChooseDirectories = true;
     panel.allowsMultipleSelection = true;
     panel.resolvesAliases = _words.resolvesAliases;
+    panel.hidesApplications = _words.choosesFiles;
     panel.directory = expandTilde(_prefs.getOpenPanelPathForKey(keys::AddFileFolderPath));
     panel.message = LocalizedString(_words.addPanel);
     panel.prompt = LocalizedString("Add");
@@ -199,6 +200,7 @@ void PathMenuItemListModel::onChangeItem() {
     panel.canChooseFiles = _words.choosesFiles;
     panel.canChooseDirectories = true;
     panel.resolvesAliases = _words.resolvesAliases;
+    panel.hidesApplications = _words.choosesFiles;
     bool valid = IsValid(old);
     panel.message = LocalizedString(valid ? _words.changePanel : "FixPath2");
     panel.prompt = LocalizedString(valid ? "Change" : "Fix");

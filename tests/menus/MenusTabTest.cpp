@@ -6,6 +6,8 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QFileDialog>
+#include <QFileSystemModel>
+#include <QSortFilterProxyModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -291,6 +293,28 @@ TEST_F(MenusTabTest, SpecialTabKeepsItsOptionsWithItsMenu) {
     QTest::keyClick(page->table(), Qt::Key_Delete);
     EXPECT_EQ(kinds(prefs.prefsData()[keys::SpecialMenuItems]), Strings{"Home"});
     EXPECT_FALSE(page->volumesOptions()->isVisible());
+
+    // The panel lists no applications, and takes a folder as readily as a file.
+    std::filesystem::create_directories(dir / "Projects");
+    std::filesystem::create_directories(dir / "Tool.app" / "Contents");
+    test::writeFile(dir / "Tool.app" / "Contents" / "Info.plist", "<plist/>");
+    entry(page->addMenu(), QString::fromStdString(LocalizedString("FileOrFolder")))->trigger();
+    QFileDialog* panel = waitForSheet<QFileDialog>();
+    ASSERT_TRUE(panel);
+    QString folder = QString::fromStdString(std::filesystem::canonical(dir.path()).string());
+    panel->setDirectory(folder);
+    auto* listed = qobject_cast<QSortFilterProxyModel*>(panel->proxyModel());
+    ASSERT_TRUE(listed);
+    auto* files = qobject_cast<QFileSystemModel*>(listed->sourceModel());
+    ASSERT_TRUE(files && test::waitUntil([&] { return files->rowCount(files->index(folder)) == 2; }, 5000));
+    QModelIndex shown = listed->mapFromSource(files->index(folder));
+    ASSERT_EQ(listed->rowCount(shown), 1);
+    EXPECT_EQ(listed->index(0, 0, shown).data().toString(), "Projects");
+    auto* name = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(name);
+    QTest::keyClicks(name, "Projects");
+    static_cast<QDialog*>(panel)->accept();
+    EXPECT_EQ(kinds(prefs.prefsData()[keys::SpecialMenuItems]), (Strings{"Home", "Folder"}));
     tab->configureMenusSheet()->done(1);
 }
 

@@ -133,7 +133,7 @@ TEST_F(SpecialMenuTest, FilesAndFoldersAreKeptAsChosenAndApplicationsRefused) {
     menu->onAddItem("FileOrFolder");
     ASSERT_EQ(view.panels.size(), 1u);
     EXPECT_TRUE(view.panels[0].canChooseFiles && view.panels[0].canChooseDirectories &&
-                view.panels[0].allowsMultipleSelection && !view.panels[0].resolvesAliases);
+                view.panels[0].allowsMultipleSelection && !view.panels[0].resolvesAliases && view.panels[0].hidesApplications);
     EXPECT_EQ(view.panels[0].message, LocalizedString("AddFileOrFolder"));
     EXPECT_EQ(kinds(stored()), (Strings{"Home", "Folder", "File"}));
     EXPECT_EQ(stored()[2][keys::Path].stringOr(""), link);  // not resolved
