@@ -13,6 +13,7 @@
 using namespace corvalis;
 using namespace corvalis::plist;
 using Strings = std::vector<std::string>;
+using corvalis::test::filesDragged;
 
 namespace {
 
@@ -71,13 +72,6 @@ protected:
             }
         }
         return result;
-    }
-    static std::unique_ptr<QMimeData> filesDragged(const Strings& paths) {
-        auto data = std::make_unique<QMimeData>();
-        QList<QUrl> urls;
-        for (const std::string& path : paths) urls << QUrl::fromLocalFile(QString::fromStdString(path));
-        data->setUrls(urls);
-        return data;
     }
 };
 
