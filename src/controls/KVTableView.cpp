@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QDragMoveEvent>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QStyleOption>
+#include <QToolTip>
 
 #include "controls/KVIconServices.h"
 
@@ -92,6 +94,23 @@ void KVOutlineView::paintEvent(QPaintEvent* event) {
     style()->drawPrimitive(QStyle::PE_IndicatorItemViewItemDrop, &option, &painter, this);
 }
 
+bool showToolTipOverName(QAbstractItemView* view, QHelpEvent* help) {
+    // The room a row's icon takes before its name, and the margin after the name.
+    constexpr int kIconAndGap = 19;
+    constexpr int kTextMargin = 3;
+    QModelIndex index = view->indexAt(help->pos());
+    QString tip = index.data(Qt::ToolTipRole).toString();
+    QRect cell = view->visualRect(index);
+    int iconWidth = index.data(Qt::DecorationRole).isValid() ? kIconAndGap : 0;
+    int textWidth = view->fontMetrics().horizontalAdvance(index.data().toString());
+    cell.setWidth(std::min(cell.width(), textWidth + iconWidth + kTextMargin));
+    if (!tip.isEmpty() && cell.contains(help->pos()))
+        QToolTip::showText(help->globalPos(), tip, view->viewport(), cell);
+    else
+        QToolTip::hideText();
+    return true;
+}
+
 void KVImageAndTextCell::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     if (index.data(SeparatorRole).toBool()) {
         QStyleOptionViewItem background = option;
@@ -112,7 +131,22 @@ void KVImageAndTextCell::paint(QPainter* painter, const QStyleOptionViewItem& op
     bool selected = option.state & QStyle::State_Selected;
     if (error != 0 && !selected)
         styled.palette.setColor(QPalette::Text, KVIconServices::textColorForError(error, selected, option.palette));
+    // A dimmed row reads normally only while it is selected in the view that has the keyboard.
+    if (index.data(DimmedRole).toBool() &&
+        !(selected && styled.widget && styled.widget->hasFocus() && styled.widget->isActiveWindow())) {
+        styled.palette.setColor(QPalette::Text, QColor(Qt::lightGray));
+        styled.palette.setColor(QPalette::HighlightedText, QColor(Qt::lightGray));
+    }
     QApplication::style()->drawControl(QStyle::CE_ItemViewItem, &styled, painter, styled.widget);
+    QString extra = index.data(ExtraImageRole).toString();
+    if (extra.isEmpty()) return;
+    // The extra image follows the title, inside the cell.
+    constexpr int kImageSize = 16, kGap = 4;
+    QRect text = QApplication::style()->subElementRect(QStyle::SE_ItemViewItemText, &styled, styled.widget);
+    int left = text.left() + styled.fontMetrics.horizontalAdvance(styled.text) + kGap;
+    left = std::min(left, option.rect.right() - kImageSize);
+    QRect image(left, option.rect.center().y() - kImageSize / 2, kImageSize, kImageSize);
+    KVIconServices::loadResource(extra).paint(painter, image);
 }
 
 QSize KVImageAndTextCell::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {

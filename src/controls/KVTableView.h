@@ -12,6 +12,7 @@
 #include "pane/DropPlace.h"
 #include "pane/ItemRoles.h"
 
+class QHelpEvent;
 class QMimeData;
 
 namespace corvalis {
@@ -45,6 +46,10 @@ public:
 private:
     TypedText typed_;
 };
+
+// A row's tool tip (its path) shows only while the pointer is over its icon and name, not the
+// empty rest of the row. For a view's viewport ToolTip events; true: the event is handled.
+bool showToolTipOverName(QAbstractItemView* view, QHelpEvent* help);
 
 // Where the model will really put a drop offered at (row, parent).
 using DropRetarget = std::function<DropPlace(const QMimeData* data, int row, const QModelIndex& parent)>;

@@ -445,14 +445,20 @@ void GroupsController::permuteMembers(int group, const std::vector<int>& newToOl
 
 void GroupsController::insertMember(int group, Array& applications, int at, const Value& record) {
     if (group >= 0) beginInsertRows(index(group, 0), at, at);
+    else if (_excludedRowsObserver) _excludedRowsObserver->applicationWillBeInserted(at);
     applications.insert(static_cast<std::size_t>(at), record);
     if (group >= 0) endInsertRows();
+    else if (_excludedRowsObserver) _excludedRowsObserver->applicationWasInserted();
 }
 
 void GroupsController::removeMember(int group, Array& applications, int at) {
     if (group >= 0) beginRemoveRows(index(group, 0), at, at);
+    else if (_excludedRowsObserver) _excludedRowsObserver->applicationWillBeRemoved(at);
     applications.removeAt(static_cast<std::size_t>(at));
     if (group >= 0) endRemoveRows();
+    else if (_excludedRowsObserver) _excludedRowsObserver->applicationWasRemoved();
+    // Members outside the outline are not in its selection (its group rows are, with group -1).
+    if (group < 0) return;
     std::erase_if(_selection, [&](const EditorRow& row) { return row.group == group && row.row == at; });
     for (EditorRow& row : _selection)
         if (row.group == group && row.row > at) --row.row;
@@ -729,7 +735,7 @@ std::optional<Dictionary> GroupsController::newApplicationRecord(const std::stri
 
 int GroupsController::addApplication(const std::string& path, const Dictionary& group, int index, bool move,
                                      bool* groupAlreadyContainsApp) {
-    bool excluded = _excludedApplications && _excludedApplications->isSameObject(group);
+    bool excluded = isExcludedGroup(group);
     int row = excluded ? -1 : groupRowOf(group);
     if (!excluded && row < 0) return -1;
     bool arranged = excluded || _keepAppsArranged;
@@ -764,17 +770,17 @@ int GroupsController::addApplication(const std::string& path, const Dictionary& 
 void GroupsController::removeApplication(int index, const Dictionary& group) {
     std::optional<Array> members = plist::asArray(group[keys::Applications]);
     if (!members || index < 0 || index >= static_cast<int>(members->size())) return;
-    bool excluded = _excludedApplications && _excludedApplications->isSameObject(group);
+    bool excluded = isExcludedGroup(group);
     removeMember(excluded ? -1 : groupRowOf(group), *members, index);
 }
 
-Array GroupsController::excludedApplications() const {
-    if (!_excludedApplications) return Array();
-    return plist::asArray((*_excludedApplications)[keys::Applications]).value_or(Array());
+std::optional<Dictionary> GroupsController::excludedApplications() const {
+    if (!_excludedApplications) return std::nullopt;
+    return _excludedApplications->deepCopy();
 }
 
-void GroupsController::setExcludedApplications(const Array& applications) {
-    if (_excludedApplications) _excludedApplications->set(keys::Applications, applications);
+void GroupsController::setExcludedApplications(const Dictionary& group) {
+    if (isExcludedGroup(group)) _excludedApplications = group;
 }
 
 void GroupsController::_addApplications(const std::vector<std::string>& paths, bool updateOpenPanelPath) {

@@ -40,6 +40,17 @@ inline constexpr const char* kGroupsMimeType = "application/x-kestrova-corvalis-
 inline constexpr const char* kApplicationsMimeType = "application/x-kestrova-corvalis-applications";
 inline constexpr const char* kUriListMimeType = "text/uri-list";
 
+// A list showing the excluded-applications group outside the outline (the Quit menu
+// editor's) hears of each member row inserted or removed there, so that it can follow.
+class ApplicationRowsObserver {
+public:
+    virtual ~ApplicationRowsObserver() = default;
+    virtual void applicationWillBeInserted(int row) = 0;
+    virtual void applicationWasInserted() = 0;
+    virtual void applicationWillBeRemoved(int row) = 0;
+    virtual void applicationWasRemoved() = 0;
+};
+
 // What the options box beside the outline shows.
 enum class GroupOptionsState { NoGroups, NoGroupsSelected, Options, MultipleGroups };
 
@@ -139,11 +150,14 @@ public:
     // While the change panel is open its prompt follows the selected member's state.
     void _synchronizeOpenPanel();
 
-    // The excluded-applications group, for the Quit menu editor.
-    plist::Array excludedApplications() const;
-    void setExcludedApplications(const plist::Array& applications);
+    // The excluded-applications group, for the Quit menu editor: a copy to edit, and the
+    // edited copy taken back (kept as it is: it is stored with the next mergedGroups).
+    std::optional<plist::Dictionary> excludedApplications() const;
+    void setExcludedApplications(const plist::Dictionary& group);
+    void setExcludedRowsObserver(ApplicationRowsObserver* observer) { _excludedRowsObserver = observer; }
     // Adds `path` to `group` at `index` (arranged groups: at its name position) and answers its
     // member index; `move` moves a member already there. -1 for a path that cannot be stored.
+    // The excluded-applications group (or a copy of it) is always kept in name order.
     int addApplication(const std::string& path, const plist::Dictionary& group, int index, bool move,
                        bool* groupAlreadyContainsApp);
     void removeApplication(int index, const plist::Dictionary& group);
@@ -236,6 +250,7 @@ private:
     bool _sheetShown = false;
     bool _changingApplication = false;
     CanonicalPathCache _canonicalPaths;
+    ApplicationRowsObserver* _excludedRowsObserver = nullptr;
 };
 
 }  // namespace corvalis

@@ -29,6 +29,13 @@ std::vector<std::string> localPaths(const QMimeData* data) {
 
 }  // namespace
 
+void appendInvalidPathsLine(std::string& report, const char* summaryKey, int invalid) {
+    if (invalid <= 0) return;
+    std::string count = invalid == 1 ? LocalizedString("OneInvalidPath")
+                                     : LocalizedFormat("MoreInvalidPaths", {static_cast<long long>(invalid)});
+    report += LocalizedFormat(summaryKey, {count}) + "\n";
+}
+
 MenuItemListModel::MenuItemListModel(CorvalisPreferences& prefs, const char* menuKey, const char* changeKey,
                                      const char* showInfoKey, QObject* parent)
     : QAbstractListModel(parent), _prefs(prefs), menuKey_(menuKey), changeKey_(changeKey), showInfoKey_(showInfoKey) {}
@@ -77,6 +84,12 @@ QVariant MenuItemListModel::data(const QModelIndex& index, int role) const {
         if (!_showInfo || tip.empty()) return {};
         return QString::fromStdString(tip);
     }
+    case ExtraImageRole: {
+        std::string image = extraImage(row);
+        return image.empty() ? QVariant() : QVariant(QString::fromStdString(image));
+    }
+    case DimmedRole:
+        return isDimmed(row);
     case KindRole:
         return QString::fromStdString(kind);
     case PathRole:
@@ -276,7 +289,7 @@ void MenuItemListModel::save() { _prefs.synchronizeValue(Dictionary{{menuKey_, _
 
 void MenuItemListModel::initializePane(bool) {
     fetchMenu();
-    _showInfo = _prefs.boolForKey(showInfoKey_);
+    _showInfo = hasInfoMode() && _prefs.boolForKey(showInfoKey_);
     if (rowCount() > 0) selectAndScroll(0);
 }
 
@@ -331,6 +344,7 @@ void MenuItemListModel::onRestoreDefaultMenu() {
 }
 
 void MenuItemListModel::onShowInfo() {
+    if (!hasInfoMode()) return;
     _showInfo = !_showInfo;
     _prefs.setBool(_showInfo, showInfoKey_);
     if (rowCount() > 0) emit dataChanged(index(0), index(rowCount() - 1), {Qt::ToolTipRole});

@@ -54,12 +54,14 @@ public:
     std::string kindAt(int row) const;
     const std::string* pathAt(int row) const;
     virtual std::string displayNameAt(int row) const;
-    // What a kind is called in the menu and in the Add pull-down.
-    virtual std::string kindTitle(const std::string& kind) const;
 
     // The entries of the Add pull-down, in order: the missing kinds, then those always offered.
     std::vector<std::string> addMenuKinds() const;
+    // The title of a kind, in its rows and in the Add pull-down.
+    virtual std::string kindTitle(const std::string& kind) const;
     bool showInfo() const { return _showInfo; }
+    // Menus without a stored info mode (null key) show no paths and offer no entry for them.
+    bool hasInfoMode() const { return showInfoKey_ != nullptr; }
 
     // Actions of the services bar.
     virtual void onAddItem(const std::string& kind);
@@ -91,6 +93,9 @@ protected:
     virtual bool dropFiles(const std::vector<std::string>& paths, int row) { (void)paths, (void)row; return false; }
     // While a file panel of the editor is open, nothing is dropped.
     virtual bool refusesDrops() const { return false; }
+    // The pane's image a row shows after its title (none: ""), and whether its title is greyed.
+    virtual std::string extraImage(int row) const { (void)row; return {}; }
+    virtual bool isDimmed(int row) const { (void)row; return false; }
 
     // The selection, sorted; and the view's answers.
     std::vector<int> selection() const;
@@ -122,5 +127,8 @@ private:
     IconProvider _iconProvider;
     mutable std::vector<int> _draggedIndexes;
 };
+
+// The line an editor adds to the summary after an import when some of its paths are gone.
+void appendInvalidPathsLine(std::string& report, const char* summaryKey, int invalid);
 
 }  // namespace corvalis

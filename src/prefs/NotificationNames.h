@@ -52,6 +52,11 @@ inline constexpr const char* ChangeOpenMenuItemDepth = "ChangeOpenMenuItemDepth"
 // The Special menu, whole, from the pane.
 inline constexpr const char* ChangeSpecialMenuItems = "ChangeSpecialMenuItems";
 
+// User-info keys of the Quit and Switch menus' changes: each the whole menu, or the Switch menu's whole excluded list.
+inline constexpr const char* ChangeQuitMenuItems = "ChangeQuitMenuItems";
+inline constexpr const char* ChangeSwitchMenuItems = "ChangeSwitchMenuItems";
+inline constexpr const char* ChangeSwitchMenuExcludedApps = "ChangeSwitchMenuExcludedApps";
+
 // User-info keys of the command shortcut changes.
 inline constexpr const char* ChangeKeyboardShortcut = "ChangeKeyboardShortcut";
 inline constexpr const char* ChangeKeyboardShortcutEnabled = "ChangeKeyboardShortcutEnabled";

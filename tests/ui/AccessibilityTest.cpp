@@ -141,4 +141,11 @@ TEST(Accessibility, MenuSheetsNameTheirListButtonsAndShowTheirRows) {
     EXPECT_EQ(table->tableInterface()->rowCount(), list->model()->rowCount());
     EXPECT_GT(table->tableInterface()->rowCount(), 0);
     sheet->done(0);
+    // A tab with two lists names each list's buttons apart.
+    ASSERT_TRUE(pane.showScreenshotView("sheet-configure-menus-quit"));
+    buttons.clear();
+    for (QToolButton* button : pane.attachedSheet()->findChildren<QToolButton*>())
+        if (button->isVisible()) buttons << button->accessibleName();
+    EXPECT_EQ(buttons, (QStringList{"Add", "Remove", "Actions", "Add Application", "Remove Application", "Application Actions"}));
+    pane.attachedSheet()->done(0);
 }

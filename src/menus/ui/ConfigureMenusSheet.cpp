@@ -35,7 +35,8 @@ ConfigureMenusSheet::ConfigureMenusSheet(MenusController& controller, const std:
         controller_.tabDidSelect(identifier);
     });
     connect(this, &QDialog::finished, this, [this](int result) { controller_._configureMenusSheetDidEnd(result); });
-    resize(520, 460);
+    // Room for an editor whose options stand beside its menu.
+    resize(700, 480);
 }
 
 QWidget* ConfigureMenusSheet::page(const std::string& identifier) const {

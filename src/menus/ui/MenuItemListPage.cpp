@@ -1,12 +1,12 @@
 #include "menus/ui/MenuItemListPage.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QStyle>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QTimer>
-#include <QToolTip>
 #include <QVBoxLayout>
 
 #include "controls/KVIconServices.h"
@@ -21,9 +21,6 @@ namespace corvalis {
 namespace {
 constexpr int kEditDelayMs = 100;
 constexpr int kEditTries = 30;
-// The room a row's icon takes before its name, and the margin after the name.
-constexpr int kIconAndGap = 19;
-constexpr int kTextMargin = 3;
 }  // namespace
 
 QVariant menuItemIcon(const std::string& path, const std::string& kind) {
@@ -34,6 +31,10 @@ QVariant menuItemIcon(const std::string& path, const std::string& kind) {
         {items::DockApplications, "Dock"},
         {items::RecentApplications, "RecentApps"},
         {items::SystemPreferences, "PrefApp"},
+        {items::RunningApplications, "RunningApps"},
+        {items::ExcludedApplications, "ExcludedApps"},
+        {items::BackgroundOnlyApplications, "BackgroundOnlyApps"},
+        {items::ActiveApplicationWindows, "Window"},
     };
     if (auto found = images.find(kind); found != images.end()) return KVIconServices::loadResource(found->second);
     if (kind == items::ApplicationsFolder || kind == items::DeveloperApplicationsFolder)
@@ -43,7 +44,9 @@ QVariant menuItemIcon(const std::string& path, const std::string& kind) {
 
 MenuItemListPage::MenuItemListPage(MenuItemListModel& model, const QString& tableName, QWidget* sheet, QWidget* parent)
     : QWidget(parent), QtEditorView(sheet), model_(model) {
-    layout_ = new QVBoxLayout(this);
+    columns_ = new QHBoxLayout(this);
+    layout_ = new QVBoxLayout;
+    columns_->addLayout(layout_, 2);
     table_ = new KVTableView(this);
     setItemView(table_);
     table_->setModel(&model_);
@@ -99,6 +102,14 @@ MenuItemListPage::~MenuItemListPage() {
     }
 }
 
+QVBoxLayout* MenuItemListPage::sideLayout() {
+    if (!side_) {
+        side_ = new QVBoxLayout;
+        columns_->addLayout(side_, 3);
+    }
+    return side_;
+}
+
 std::vector<int> MenuItemListPage::selectedRows() const {
     std::vector<int> rows;
     if (!table_ || !table_->selectionModel()) return rows;
@@ -133,9 +144,11 @@ void MenuItemListPage::rebuildAddMenu() {
 void MenuItemListPage::rebuildActionsMenu() {
     actionsMenu_->clear();
     addActions(actionsMenu_);
-    actionsMenu_->addAction(localized(model_.showInfo() ? "HideInfoTags" : "ShowInfoTags"), this,
-                            [this] { model_.onShowInfo(); });
-    actionsMenu_->addSeparator();
+    if (model_.hasInfoMode()) {
+        actionsMenu_->addAction(localized(model_.showInfo() ? "HideInfoTags" : "ShowInfoTags"), this,
+                                [this] { model_.onShowInfo(); });
+        actionsMenu_->addSeparator();
+    }
     actionsMenu_->addAction(localized("RestoreDefaultMenu"), this, [this] { model_.onRestoreDefaultMenu(); });
 }
 
@@ -156,21 +169,8 @@ bool MenuItemListPage::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     }
-    // A row's path shows only while the pointer is over its name (and icon), not the empty rest of the row.
-    if (table_ && watched == table_->viewport() && event->type() == QEvent::ToolTip) {
-        auto* help = static_cast<QHelpEvent*>(event);
-        QModelIndex index = table_->indexAt(help->pos());
-        QString tip = index.data(Qt::ToolTipRole).toString();
-        QRect cell = table_->visualRect(index);
-        int iconWidth = index.data(Qt::DecorationRole).isValid() ? kIconAndGap : 0;
-        int textWidth = table_->fontMetrics().horizontalAdvance(index.data().toString());
-        cell.setWidth(std::min(cell.width(), textWidth + iconWidth + kTextMargin));
-        if (!tip.isEmpty() && cell.contains(help->pos()))
-            QToolTip::showText(help->globalPos(), tip, table_->viewport(), cell);
-        else
-            QToolTip::hideText();
-        return true;
-    }
+    if (table_ && watched == table_->viewport() && event->type() == QEvent::ToolTip)
+        return showToolTipOverName(table_, static_cast<QHelpEvent*>(event));
     return QWidget::eventFilter(watched, event);
 }
 

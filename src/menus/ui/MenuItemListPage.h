@@ -12,6 +12,7 @@
 #include "controls/QtEditorView.h"
 #include "menus/MenuEditor.h"
 
+class QHBoxLayout;
 class QMenu;
 class QVBoxLayout;
 
@@ -40,6 +41,8 @@ public:
 protected:
     // Below the table, for the editor's own controls.
     QVBoxLayout* pageLayout() const { return layout_; }
+    // A column beside the table, made on first use, for editors with more to show.
+    QVBoxLayout* sideLayout();
     // Entries the editor puts first in the Actions pull-down, refreshed each time it opens.
     virtual void addActions(QMenu* menu) { (void)menu; }
 
@@ -51,7 +54,9 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     MenuItemListModel& model_;
+    QHBoxLayout* columns_;
     QVBoxLayout* layout_;
+    QVBoxLayout* side_ = nullptr;
     QPointer<KVTableView> table_;
     KVServicesBar* bar_;
     QMenu* addMenu_;

@@ -11,7 +11,6 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QStandardPaths>
-#include <QTabWidget>
 #include <QVBoxLayout>
 
 #include "controls/KVTableView.h"
@@ -25,10 +24,13 @@
 #include "menus/ui/ConfigurePreviewsSheet.h"
 #include "menus/ui/MenuHotKeysTable.h"
 #include "menus/ui/OpenMenuPage.h"
+#include "menus/ui/QuitMenuPage.h"
 #include "menus/ui/SpecialMenuPage.h"
+#include "menus/ui/SwitchMenuPage.h"
 #include "pane/PaneControllers.h"
 #include "pane/ui/CorvalisPane.h"
 #include "platform/InProcessNotificationCenter.h"
+#include "platform/linux/AssistiveTechnologies.h"
 #include "schema/PreferenceKeys.h"
 
 namespace corvalis {
@@ -61,10 +63,15 @@ MenusTab::MenusTab(const MenusTabContext& context, QWidget* page, QWidget* windo
       controller_(std::make_unique<MenusController>(context.prefs, context.validator, context.local,
                                                     context.distributed, context.browser, *this)),
       launcher_(&startDetached) {
-    // The sheet's tabs, in order. The Quit and Switch editors join between Open and Special.
+    // The sheet's tabs, in order.
     addEditor<ConfigureOpenMenuController, OpenMenuPage>(
         "Open", std::make_unique<ConfigureOpenMenuController>(context.prefs, context.local, context.distributed,
                                                               context.browser));
+    addEditor<ConfigureQuitMenuController, QuitMenuPage>(
+        "Quit", std::make_unique<ConfigureQuitMenuController>(context.prefs, context.local, context.groups, context.browser));
+    addEditor<ConfigureSwitchMenuController, SwitchMenuPage>(
+        "Switch", std::make_unique<ConfigureSwitchMenuController>(context.prefs, context.local, context.distributed,
+                                                                  context.assistiveAccess, context.browser));
     addEditor<ConfigureSpecialMenuController, SpecialMenuPage>(
         "Special", std::make_unique<ConfigureSpecialMenuController>(context.prefs, context.distributed));
     buildPage(page);
@@ -83,7 +90,8 @@ MenusTab::~MenusTab() {
 std::unique_ptr<MenusTab> MenusTab::make(ComKestrovaCorvalis_PrefsPane& pane) {
     auto tab = std::make_unique<MenusTab>(
         MenusTabContext{pane.prefs(), pane.keyCombinationValidator(), pane.localNotifications(),
-                        pane.distributedNotifications(), [&pane] { return pane.applicationsBrowser(); }},
+                        pane.distributedNotifications(), [&pane] { return pane.applicationsBrowser(); },
+                        [&pane] { return pane.groupsController(); }, &AssistiveTechnologiesEnabled},
         pane.page(tabs::Menus), pane.window());
     MenusTab* shown = tab.get();
     pane.addScreenshotView(
@@ -92,14 +100,18 @@ std::unique_ptr<MenusTab> MenusTab::make(ComKestrovaCorvalis_PrefsPane& pane) {
             return true;
         },
         tabs::Menus);
-    pane.addScreenshotView(
-        "sheet-configure-menus-special", [shown] {
-            shown->onConfigureMenus();
-            QWidget* special = shown->configureMenusSheet()->page("Special");
-            shown->configureMenusSheet()->tabs()->setCurrentWidget(special);
-            return special != nullptr;
-        },
-        tabs::Menus);
+    // Each further menu editor on its own tab of the sheet.
+    for (const std::string& identifier : shown->controller().editorIdentifiers()) {
+        if (identifier == shown->controller().editorIdentifiers().front()) continue;
+        pane.addScreenshotView(
+            "sheet-configure-menus-" + QString::fromStdString(identifier).toLower(),
+            [shown, identifier] {
+                shown->onConfigureMenus();
+                shown->showSheetTab(identifier);
+                return true;
+            },
+            tabs::Menus);
+    }
     pane.addScreenshotView(
         "sheet-configure-previews", [shown] {
             shown->onConfigurePreviews();
@@ -255,6 +267,10 @@ void MenusTab::onConfigureMenus() {
 }
 
 void MenusTab::beginConfigureMenusSheet() { menusSheet_->open(); }
+
+void MenusTab::showSheetTab(const std::string& identifier) {
+    if (menusSheet_) menusSheet_->tabs()->setCurrentWidget(menusSheet_->page(identifier));
+}
 
 void MenusTab::endConfigureMenusSheet(int returnCode) {
     if (menusSheet_) menusSheet_->done(returnCode);

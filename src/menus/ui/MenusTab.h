@@ -12,6 +12,8 @@
 
 #include "controls/KVTableView.h"
 #include "controls/QtEditorView.h"
+#include "menus/ConfigureQuitMenuController.h"
+#include "menus/ConfigureSwitchMenuController.h"
 #include "menus/MenusController.h"
 #include "menus/ui/ConfigureMenusSheet.h"
 #include "menus/ui/ConfigurePreviewsSheet.h"
@@ -37,6 +39,9 @@ struct MenusTabContext {
     NotificationCenter& local;
     NotificationCenter& distributed;
     BrowserLinkSource browser;
+    // The groups editor, for the Quit menu's excluded applications; the accessibility status, for the Switch menu.
+    GroupsControllerSource groups = {};
+    ConfigureSwitchMenuController::AssistiveAccess assistiveAccess = {};
 };
 
 class MenusTab : public QObject, public PaneController, public MenusView, public QtEditorView {
@@ -59,6 +64,8 @@ public:
     // The Configure Menus and Configure Previews buttons.
     void onConfigureMenus();
     void onConfigurePreviews();
+    // Brings the editor's tab of the open Configure Menus sheet to the front.
+    void showSheetTab(const std::string& identifier);
 
     MenusController& controller() { return *controller_; }
     ConfigureOpenMenuController& openMenu() const;

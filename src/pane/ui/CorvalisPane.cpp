@@ -184,6 +184,11 @@ QWidget* ComKestrovaCorvalis_PrefsPane::page(const char* tab) const {
     return nullptr;
 }
 
+GroupsController* ComKestrovaCorvalis_PrefsPane::groupsController() const {
+    auto* tab = dynamic_cast<GroupsTab*>(_paneControllers.forTab(tabs::Groups));
+    return tab ? &tab->controller() : nullptr;
+}
+
 void ComKestrovaCorvalis_PrefsPane::addTabController(const char* tab, std::unique_ptr<PaneController> controller) {
     _paneControllers.add(tab, *controller);
     tabControllers_.push_back(std::move(controller));

@@ -39,6 +39,8 @@ class PaneSwitchView;
 class SoftwareUpdateSheet;
 class XdgAutostartLoginItems;
 
+class GroupsController;
+
 class ComKestrovaCorvalis_PrefsPane : public QObject, public PreferencePane {
     Q_OBJECT
 
@@ -84,6 +86,8 @@ public:
     // The browser beside the window; null until one is set. The pane owns its window
     // and destroys it after the tabs that talk to it, before the store it reads.
     ApplicationsBrowserLink* applicationsBrowser() const { return browserWindow_ ? applicationsBrowser_ : nullptr; }
+    // The Groups tab's editor, which the Quit menu editor shares the excluded group with; null before it exists.
+    GroupsController* groupsController() const;
     void setApplicationsBrowser(ApplicationsBrowserLink* browser, QWidget* browserWindow);
     // A view for --screenshot beyond the tabs: showing it opens a sheet or window and
     // answers whether it could. With `tab`, that tab is shown first, under the sheet.

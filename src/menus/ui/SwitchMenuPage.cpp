@@ -1,0 +1,106 @@
+#include "menus/ui/SwitchMenuPage.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "controls/KVIconServices.h"
+#include "controls/LocalizedText.h"
+#include "menus/ConfigureSwitchMenuController.h"
+#include "menus/ui/ExcludedApplicationsBox.h"
+#include "menus/ui/QuitMenuPage.h"
+#include "schema/PreferenceKeys.h"
+
+namespace corvalis {
+
+namespace {
+
+// A note: one of the pane's images before a wrapped text, read as that text.
+QWidget* noteWidget(const char* image, const QString& text, QWidget* parent, QLabel** textLabel = nullptr) {
+    auto* note = new QWidget(parent);
+    auto* layout = new QHBoxLayout(note);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* icon = new QLabel(note);
+    icon->setPixmap(KVIconServices::loadResource(image).pixmap(16, 16));
+    icon->setAlignment(Qt::AlignTop);
+    auto* label = new QLabel(text, note);
+    label->setWordWrap(true);
+    layout->addWidget(icon);
+    layout->addWidget(label, 1);
+    note->setAccessibleName(text);
+    if (textLabel) *textLabel = label;
+    return note;
+}
+
+}  // namespace
+
+SwitchMenuPage::SwitchMenuPage(ConfigureSwitchMenuController& controller, QWidget* sheet, QWidget* parent)
+    : MenuItemListPage(controller, localized("SwitchMenuTable"), sheet, parent), controller_(controller) {
+    QVBoxLayout* side = sideLayout();
+    auto addOption = [&](const char* key, const char* title, std::function<void(bool)> changed) {
+        QCheckBox* box = editorOptionBox(title, this, showing_, std::move(changed));
+        options_.emplace_back(key, box);
+        return box;
+    };
+    side->addWidget(addOption(keys::SwitchMenuRunningApplicationsSortAlphabetically, "SortChronologically",
+                              [this](bool on) { controller_.onSortChronologically(on); }));
+    side->addWidget(addOption(keys::ReopenApplicationsOnSwitch, "ReopenApplicationsOnSwitch",
+                              [this](bool on) { controller_.onReopenApplications(on); }));
+    auto* windowsRow = new QHBoxLayout;
+    windowsRow->addWidget(addOption(keys::AddApplicationWindows, "AddApplicationWindows",
+                                    [this](bool on) { controller_.onShowApplicationWindows(on); }));
+    windowsCaution_ = noteWidget("Caution", localized("ShowApplicationWindowsCaution"), this);
+    windowsRow->addWidget(windowsCaution_);
+    windowsRow->addStretch(1);
+    side->addLayout(windowsRow);
+    side->addWidget(addOption(keys::SwitchMenuMarkApplicationMode, "MarkApplicationMode",
+                              [this](bool on) { controller_.onMarkAppMode(on); }));
+    side->addWidget(addOption(keys::SwitchMenuMarkApplicationsUsingRosetta, "MarkApplicationsUsingRosetta",
+                              [this](bool on) { controller_.onMarkApplicationsUsingRosetta(on); }));
+
+    excluded_ = new ExcludedApplicationsBox(controller_.excludedApplications(), localized("SwitchExcludedApplications"),
+                                            localized("SwitchExcludedApplicationsList"),
+                                            [this] { controller_.onBrowseApplications(); }, sheet, this);
+    side->addWidget(excluded_, 1);
+
+    singleAppModeInfo_ = noteWidget("Note", localized("SingleApplicationModeInfo"), this);
+    side->addWidget(singleAppModeInfo_);
+    universalAccessWarning_ = noteWidget("Caution", QString::fromStdString(controller_.universalAccessWarningText()), this,
+                                         &universalAccessText_);
+    openUniversalAccess_ = new QPushButton(QString::fromStdString(controller_.universalAccessButtonTitle()),
+                                           universalAccessWarning_);
+    openUniversalAccess_->setAutoDefault(false);
+    universalAccessWarning_->layout()->addWidget(openUniversalAccess_);
+    connect(openUniversalAccess_, &QPushButton::clicked, this, [this] { controller_.onOpenUniversalAccess(); });
+    side->addWidget(universalAccessWarning_);
+    connect(&controller_, &ConfigureSwitchMenuController::messagesChanged, this, &SwitchMenuPage::showMessages);
+    showSettings();
+}
+
+QCheckBox* SwitchMenuPage::optionBox(const char* key) const {
+    for (const auto& [optionKey, box] : options_)
+        if (std::string(optionKey) == key) return box;
+    return nullptr;
+}
+
+void SwitchMenuPage::showSettings() {
+    showing_ = true;
+    for (const auto& [key, box] : options_) box->setChecked(controller_.option(key));
+    // The box reads as the menu shows them; the key stores the other order.
+    optionBox(keys::SwitchMenuRunningApplicationsSortAlphabetically)->setChecked(controller_.sortChronologically());
+    optionBox(keys::SwitchMenuMarkApplicationMode)->setVisible(controller_.marks().showsAppMode);
+    optionBox(keys::SwitchMenuMarkApplicationsUsingRosetta)->setVisible(controller_.marks().showsTranslated);
+    showing_ = false;
+    showMessages();
+}
+
+void SwitchMenuPage::showMessages() {
+    windowsCaution_->setVisible(controller_.showsApplicationWindowsCaution());
+    singleAppModeInfo_->setVisible(controller_.showsSingleApplicationModeInfo());
+    universalAccessWarning_->setVisible(controller_.showsUniversalAccessWarning());
+    table()->viewport()->update();
+}
+
+}  // namespace corvalis
