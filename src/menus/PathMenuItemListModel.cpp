@@ -188,10 +188,6 @@ std::string PathMenuItemListModel::changeItemTitle() {
     return LocalizedString(broken ? "FixPath1" : _words.changeEntry);
 }
 
-std::string PathMenuItemListModel::showInfoTitle() const {
-    return LocalizedString(_showInfo ? "HideInfoTags" : "ShowInfoTags");
-}
-
 void PathMenuItemListModel::onChangeItem() {
     if (!canChangeItem() || !_view) return;
     int row = selection().front();

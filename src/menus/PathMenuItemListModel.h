@@ -45,7 +45,6 @@ public:
     // The Actions entry of onChangeItem: its title, and whether it can be chosen.
     std::string changeItemTitle();
     bool canChangeItem() const;
-    std::string showInfoTitle() const;
 
     // Adds paths (a panel asks for them when `paths` is none) at `index`; with
     // `move`, a path already in the menu moves there.

@@ -318,6 +318,15 @@ TEST_F(MenusTabTest, SpecialTabKeepsItsOptionsWithItsMenu) {
     QTest::keyClicks(name, "Projects");
     static_cast<QDialog*>(panel)->accept();
     EXPECT_EQ(kinds(prefs.prefsData()[keys::SpecialMenuItems]), (Strings{"Home", "Folder"}));
+
+    // Return on the folder's row asks where it is now.
+    page->table()->setFocus();
+    page->table()->selectRow(1);
+    QTest::keyClick(page->table(), Qt::Key_Return);
+    panel = waitForSheet<QFileDialog>();
+    ASSERT_TRUE(panel);
+    EXPECT_EQ(panel->windowTitle().toStdString(), LocalizedString("ChangeFileOrFolder2"));
+    panel->reject();
     tab->configureMenusSheet()->done(1);
 }
 

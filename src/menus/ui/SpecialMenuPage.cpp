@@ -71,7 +71,8 @@ QVariant specialMenuItemIcon(const std::string& path, const std::string& kind) {
 SpecialMenuPage::SpecialMenuPage(ConfigureSpecialMenuController& controller, QWidget* sheet, QWidget* parent)
     : MenuItemListPage(controller, localized("SpecialMenuTable"), sheet, parent), controller_(controller) {
     controller_.setIconProvider(&specialMenuItemIcon);
-    connect(table(), &QAbstractItemView::doubleClicked, this,
+    // A double click, or Return, re-points the row.
+    connect(table(), &QAbstractItemView::activated, this,
             [this](const QModelIndex& index) { controller_._onMenuTableViewDoubleClick(index.row()); });
 
     volumesOptions_ = new QGroupBox(localized("DiskOptions"), this);

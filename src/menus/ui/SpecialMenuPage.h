@@ -1,6 +1,6 @@
 #pragma once
 // The "Special" tab of the Configure Menus sheet: the Special menu's table with
-// its Change or Fix entry (a double click opens the same panel), the disk
+// its Change or Fix entry (a double click or Return opens the same panel), the disk
 // options shown while the menu lists the disks, alias resolution and the quick
 // copy-path format.
 
