@@ -337,3 +337,10 @@ TEST(MenuItemIcons, EveryKindWithoutAPathHasItsOwnImage) {
         EXPECT_FALSE(menuItemIcon("", kind).value<QIcon>().isNull()) << kind;
     EXPECT_FALSE(menuItemIcon("", items::Separator).isValid());
 }
+
+// Commands the themes have no image for still show ours.
+TEST(MenuItemIcons, SpecialCommandsWithoutAThemeImageShowOurOwn) {
+    for (const char* kind : {items::RelaunchDock, items::Sleep})
+        EXPECT_FALSE(specialMenuItemIcon("", kind).value<QIcon>().isNull()) << kind;
+    EXPECT_FALSE(specialMenuItemIcon("", items::Separator).isValid());
+}

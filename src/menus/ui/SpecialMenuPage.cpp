@@ -20,12 +20,13 @@ namespace corvalis {
 namespace {
 
 constexpr int kIconSize = 16;
+constexpr int kDiskColumns = 3;
 
 // The theme's icon, its symbolic form when the theme has only that, else our own image.
 QIcon themeIcon(const char* name, const char* ownImage = nullptr) {
-    if (QIcon::hasThemeIcon(name)) return QIcon::fromTheme(name);
     QString symbolic = QString(name) + "-symbolic";
-    if (QIcon::hasThemeIcon(symbolic)) return QIcon::fromTheme(symbolic);
+    if (*name && QIcon::hasThemeIcon(name)) return QIcon::fromTheme(name);
+    if (*name && QIcon::hasThemeIcon(symbolic)) return QIcon::fromTheme(symbolic);
     return ownImage ? KVIconServices::loadResource(ownImage) : QIcon();
 }
 
@@ -85,10 +86,11 @@ SpecialMenuPage::SpecialMenuPage(ConfigureSpecialMenuController& controller, QWi
                                                                         : QIcon::Normal));
         auto* box = new QCheckBox(localized(key), volumesOptions_);
         diskBoxes_.emplace_back(key, box);
-        // Two columns of icon and box.
-        disks->addWidget(icon, place / 2, (place % 2) * 2);
-        disks->addWidget(box, place / 2, (place % 2) * 2 + 1);
-        disks->setColumnStretch((place % 2) * 2 + 1, 1);
+        // Columns of icon and box, filled row by row.
+        int row = place / kDiskColumns, column = (place % kDiskColumns) * 2;
+        disks->addWidget(icon, row, column);
+        disks->addWidget(box, row, column + 1);
+        disks->setColumnStretch(column + 1, 1);
         ++place;
         connect(box, &QCheckBox::toggled, this, [this, key](bool on) {
             if (!showing_) controller_.onShowDisks(key, on);
