@@ -34,21 +34,6 @@ namespace fs = std::filesystem;
 
 constexpr int kGroups = 100, kMembers = 100;
 
-class NoRunningApplications : public RunningApplications {
-public:
-    std::vector<RunningApplication> runningApplications() override { return {}; }
-    Token addObserver(Observer, Observer) override { return 0; }
-    void removeObserver(Token) override {}
-};
-
-// An outline that is not on screen: every question answered "no", nothing done.
-class NoView : public bench::SilentView<GroupsView> {
-public:
-    bool isExpanded(int) const override { return false; }
-    void collapseAll() override {}
-    bool isEditingName() const override { return false; }
-};
-
 struct Domain {
     fs::path root = fs::temp_directory_path() / ("corvalis-bench-groups-" + std::to_string(::getpid()));
     std::vector<std::string> paths;
@@ -84,8 +69,8 @@ Domain* gDomain = nullptr;
 struct Tab {
     FileDomainStore store{gDomain->root / "prefs"};
     InProcessNotificationCenter distributed, local;
-    NoRunningApplications running;
-    NoView view;
+    bench::NoRunningApplications running;
+    bench::SilentGroupsView view;
     CorvalisPreferences prefs{store, distributed};
     KVKeyCombinationValidator validator{prefs};
     GroupsController groups{prefs, validator, distributed, local, running, view};

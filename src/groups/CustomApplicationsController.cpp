@@ -3,7 +3,6 @@
 #include <QMimeData>
 #include <QUrl>
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 
 #include "fileutils/AliasResolution.h"
@@ -19,11 +18,6 @@
 namespace corvalis {
 
 namespace {
-
-bool sameIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
 
 std::string parentFolder(const std::string& path) { return std::filesystem::path(path).parent_path().string(); }
 
@@ -62,57 +56,11 @@ void CustomApplicationsController::updatePane(std::string& report) {
 
 // Rows and records.
 
-int CustomApplicationsController::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(_applications.size());
-}
-
-std::string CustomApplicationsController::pathAt(int row) const {
-    return _applications[static_cast<std::size_t>(row)][keys::Path].stringOr("");
-}
-
-std::string CustomApplicationsController::nameAt(int row) const {
-    return _applications[static_cast<std::size_t>(row)][keys::Name].stringOr("");
-}
-
 QVariant CustomApplicationsController::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rowCount()) return {};
-    switch (role) {
-    case Qt::DisplayRole:
-    case Qt::AccessibleTextRole: return QString::fromStdString(nameAt(index.row()));
-    case PathRole: return QString::fromStdString(pathAt(index.row()));
-    case Qt::ToolTipRole:
-        if (_showInfo)
-            return QString::fromStdString(customApplicationToolTip(_applications[static_cast<std::size_t>(index.row())]));
-        return {};
-    default: return {};
-    }
-}
-
-Qt::ItemFlags CustomApplicationsController::flags(const QModelIndex& index) const {
-    // Every drop goes to the whole list, whichever row it is over.
-    if (!index.isValid()) return Qt::ItemIsDropEnabled;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDropEnabled;
-}
-
-std::optional<int> CustomApplicationsController::rowOfPath(const std::string& path, bool ignoringCase) const {
-    for (int row = 0; row < rowCount(); ++row)
-        if (ignoringCase ? sameIgnoringCase(pathAt(row), path) : pathAt(row) == path) return row;
-    return std::nullopt;
-}
-
-void CustomApplicationsController::insertRecord(const plist::Dictionary& record) {
-    std::string name = record[keys::Name].stringOr("");
-    int row = 0;
-    while (row < rowCount() && finderCompare(nameAt(row), name) <= 0) ++row;
-    beginInsertRows({}, row, row);
-    _applications.insert(static_cast<std::size_t>(row), record);
-    endInsertRows();
-}
-
-void CustomApplicationsController::removeRow(int row) {
-    beginRemoveRows({}, row, row);
-    _applications.removeAt(static_cast<std::size_t>(row));
-    endRemoveRows();
+    if (role != Qt::ToolTipRole || !index.isValid() || index.row() >= rowCount())
+        return ApplicationRecordsModel::data(index, role);
+    if (!_showInfo) return {};
+    return QString::fromStdString(customApplicationToolTip(_applications[static_cast<std::size_t>(index.row())]));
 }
 
 int CustomApplicationsController::_addApplication(const std::string& path, bool* listAlreadyContainsApp) {
@@ -124,8 +72,7 @@ int CustomApplicationsController::_addApplication(const std::string& path, bool*
     plist::Dictionary record{{keys::Name, LocalizedApplicationName(path)}, {keys::Path, path}};
     if (std::optional<plist::Data> alias = AliasData(path)) record.set(keys::AliasData, *alias);
     record.set(keys::Options, newLaunchOptions(path, _architectures).toDictionary());
-    insertRecord(record);
-    return *rowOfPath(path, false);
+    return insertInNameOrder(record);
 }
 
 void CustomApplicationsController::synchronize() {
@@ -178,9 +125,7 @@ std::optional<std::string> CustomApplicationsController::changeMenuTitle() const
 
 bool CustomApplicationsController::selectString(const std::string& typed) {
     if (rowCount() == 0) return false;
-    int row = 0;
-    while (row < rowCount() - 1 && finderCompare(nameAt(row), typed) < 0) ++row;
-    selectAndScroll({row});
+    selectAndScroll({rowForTypedName(typed)});
     return true;
 }
 
@@ -316,7 +261,7 @@ void CustomApplicationsController::changeApplication(int row, const std::string&
         removeRow(row);
     } else {
         removeRow(row);
-        insertRecord(record);
+        insertInNameOrder(record);
     }
     selectAndScroll({*rowOfPath(path, true)});
     synchronize();

@@ -4,12 +4,12 @@
 // removing entries, their launch options, path repair, drops of applications
 // and the controller's own changes.
 
-#include <QAbstractListModel>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "fileutils/CanonicalPathCache.h"
+#include "groups/ApplicationRecordsModel.h"
 #include "groups/CustomApplicationsOptions.h"
 #include "pane/EditorView.h"
 #include "platform/NotificationCenter.h"
@@ -30,11 +30,10 @@ public:
     virtual void showOptions(OptionsViewState state) = 0;
 };
 
-class CustomApplicationsController : public QAbstractListModel {
+class CustomApplicationsController : public ApplicationRecordsModel {
     Q_OBJECT
 
 public:
-    enum Role { PathRole = Qt::UserRole + 1 };
 
     CustomApplicationsController(CorvalisPreferences& prefs, NotificationCenter& distributed,
                                  CustomApplicationsView& view,
@@ -66,14 +65,8 @@ public:
     // "ChangeApplication1", or "FixPath1" when the one selected entry's path is invalid; none unless one is selected.
     std::optional<std::string> changeMenuTitle() const;
     bool canRemove() const { return !_view.selectedRows().empty(); }
-    std::string pathAt(int row) const;
-    std::string nameAt(int row) const;
 
-    int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
-    QStringList mimeTypes() const override { return {"text/uri-list"}; }
-    Qt::DropActions supportedDropActions() const override { return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction; }
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
@@ -90,10 +83,7 @@ public:
 private:
     std::vector<std::string> selectedPaths() const;
     void selectPaths(const std::vector<std::string>& paths);
-    std::optional<int> rowOfPath(const std::string& path, bool ignoringCase) const;
     void selectAndScroll(const std::vector<int>& rows);
-    void removeRow(int row);
-    void insertRecord(const plist::Dictionary& record);
     void synchronize();
     void _removeApplications();
     void changeApplication(int row, const std::string& path);
@@ -103,7 +93,6 @@ private:
     NotificationCenter& _distributed;
     CustomApplicationsView& _view;
     ApplicationArchitectures _architectures;
-    plist::Array _applications;
     CanonicalPathCache _canonicalPaths;
     bool _showInfo = false;
     bool _updateAllOptions = true;

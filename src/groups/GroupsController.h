@@ -154,6 +154,7 @@ public:
     // edited copy taken back (kept as it is: it is stored with the next mergedGroups).
     std::optional<plist::Dictionary> excludedApplications() const;
     void setExcludedApplications(const plist::Dictionary& group);
+    // Told of the rows the next calls below insert or remove in a group outside the outline.
     void setExcludedRowsObserver(ApplicationRowsObserver* observer) { _excludedRowsObserver = observer; }
     // Adds `path` to `group` at `index` (arranged groups: at its name position) and answers its
     // member index; `move` moves a member already there. -1 for a path that cannot be stored.

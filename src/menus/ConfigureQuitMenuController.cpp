@@ -27,15 +27,37 @@ RunningApplicationMarks RunningApplicationMarks::forThisComputer(const KVOperati
 ConfigureQuitMenuController::ExcludedGroupList::ExcludedGroupList(ConfigureQuitMenuController& owner)
     : ExcludedApplicationsList(owner._prefs, keys::ShowExcludedApplicationInfo), owner_(owner) {}
 
+namespace {
+
+// While the groups editor adds to or removes from the list's group, the list hears of each row.
+class RowsObserved {
+public:
+    RowsObserved(GroupsController& groups, ApplicationRowsObserver& list) : groups_(groups) {
+        groups_.setExcludedRowsObserver(&list);
+    }
+    ~RowsObserved() { groups_.setExcludedRowsObserver(nullptr); }
+    RowsObserved(const RowsObserved&) = delete;
+    RowsObserved& operator=(const RowsObserved&) = delete;
+
+private:
+    GroupsController& groups_;
+};
+
+}  // namespace
+
 int ConfigureQuitMenuController::ExcludedGroupList::addApplication(const std::string& path, int index, bool move,
                                                                    bool* alreadyListed) {
     GroupsController* groups = owner_.groups();
     if (!groups) return -1;
+    RowsObserved observed(*groups, *this);
     return groups->addApplication(path, owner_._excludedApplications, index, move, alreadyListed);
 }
 
 void ConfigureQuitMenuController::ExcludedGroupList::removeApplication(int row) {
-    if (GroupsController* groups = owner_.groups()) groups->removeApplication(row, owner_._excludedApplications);
+    GroupsController* groups = owner_.groups();
+    if (!groups) return;
+    RowsObserved observed(*groups, *this);
+    groups->removeApplication(row, owner_._excludedApplications);
 }
 
 void ConfigureQuitMenuController::ExcludedGroupList::saveGroup(std::optional<bool> applicationsChanged) {
@@ -62,7 +84,6 @@ ConfigureQuitMenuController::ConfigureQuitMenuController(CorvalisPreferences& pr
 
 ConfigureQuitMenuController::~ConfigureQuitMenuController() {
     if (_observer) _local.removeObserver(*_observer);
-    if (GroupsController* groups = this->groups()) groups->setExcludedRowsObserver(nullptr);
 }
 
 void ConfigureQuitMenuController::initializePane(bool firstTime) {
@@ -77,7 +98,6 @@ void ConfigureQuitMenuController::initializePane(bool firstTime) {
 
 void ConfigureQuitMenuController::copyExcludedGroup() {
     GroupsController* groups = this->groups();
-    if (groups) groups->setExcludedRowsObserver(&_excluded);
     std::optional<Dictionary> copy = groups ? groups->excludedApplications() : std::nullopt;
     // Without a groups editor (or its group) the list is empty and nothing is stored.
     _excludedApplications = copy.value_or(Dictionary{{keys::CanBeDeleted, false}});

@@ -27,9 +27,9 @@ ConfigureSwitchMenuController::SwitchExcludedList::SwitchExcludedList(CorvalisPr
 int ConfigureSwitchMenuController::SwitchExcludedList::addApplication(const std::string& path, int, bool,
                                                                       bool* alreadyListed) {
     // One record per application, however its path is spelt.
-    int listed = rowOfPath(path, true);
-    if (alreadyListed) *alreadyListed = listed >= 0;
-    if (listed >= 0) return listed;
+    std::optional<int> listed = rowOfPath(path, true);
+    if (alreadyListed) *alreadyListed = listed.has_value();
+    if (listed) return *listed;
     std::optional<Dictionary> record = excludedApplicationRecord(path);
     return record ? insertInNameOrder(*record) : -1;
 }

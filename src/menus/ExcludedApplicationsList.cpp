@@ -3,7 +3,6 @@
 #include <QMimeData>
 #include <QUrl>
 #include <algorithm>
-#include <cctype>
 #include <numeric>
 #include <set>
 
@@ -26,11 +25,6 @@ using plist::Value;
 
 namespace {
 
-bool sameIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
-
 // Application bundles, and desktop entries: this system's plain-file applications.
 EditorOpenPanel applicationsPanel(bool several, std::string directory) {
     EditorOpenPanel panel;
@@ -52,7 +46,7 @@ std::optional<Dictionary> excludedApplicationRecord(const std::string& path) {
 }
 
 ExcludedApplicationsList::ExcludedApplicationsList(CorvalisPreferences& prefs, const char* showInfoKey, QObject* parent)
-    : QAbstractListModel(parent), _prefs(prefs), showInfoKey_(showInfoKey) {}
+    : ApplicationRecordsModel(parent), _prefs(prefs), showInfoKey_(showInfoKey) {}
 
 void ExcludedApplicationsList::setApplications(Array applications) {
     beginResetModel();
@@ -64,60 +58,15 @@ void ExcludedApplicationsList::loadShowInfo() { _showInfo = _prefs.boolForKey(sh
 
 // Rows.
 
-int ExcludedApplicationsList::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(_applications.size());
-}
-
-std::string ExcludedApplicationsList::pathAt(int row) const {
-    return _applications[static_cast<std::size_t>(row)][keys::Path].stringOr("");
-}
-
-std::string ExcludedApplicationsList::nameAt(int row) const {
-    return _applications[static_cast<std::size_t>(row)][keys::Name].stringOr("");
-}
-
 QVariant ExcludedApplicationsList::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rowCount()) return {};
-    switch (role) {
-    case Qt::DisplayRole:
-    case Qt::AccessibleTextRole: return QString::fromStdString(nameAt(index.row()));
-    case PathRole: return QString::fromStdString(pathAt(index.row()));
-    case Qt::ToolTipRole: return _showInfo ? QVariant(QString::fromStdString(pathAt(index.row()))) : QVariant();
-    default: return {};
-    }
-}
-
-Qt::ItemFlags ExcludedApplicationsList::flags(const QModelIndex& index) const {
-    // Every drop goes to the whole list, whichever row it is over.
-    if (!index.isValid()) return Qt::ItemIsDropEnabled;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDropEnabled;
+    if (role != Qt::ToolTipRole || !index.isValid() || index.row() >= rowCount())
+        return ApplicationRecordsModel::data(index, role);
+    return _showInfo ? QVariant(QString::fromStdString(pathAt(index.row()))) : QVariant();
 }
 
 int ExcludedApplicationsList::invalidCount() const {
     return static_cast<int>(std::count_if(_applications.begin(), _applications.end(),
                                           [](const Value& record) { return !IsValid(record[keys::Path].stringOr("")); }));
-}
-
-int ExcludedApplicationsList::rowOfPath(const std::string& path, bool ignoringCase, int except) const {
-    for (int row = 0; row < rowCount(); ++row)
-        if (row != except && (ignoringCase ? sameIgnoringCase(pathAt(row), path) : pathAt(row) == path)) return row;
-    return -1;
-}
-
-int ExcludedApplicationsList::insertInNameOrder(const Dictionary& record) {
-    std::string name = record[keys::Name].stringOr("");
-    int row = 0;
-    while (row < rowCount() && finderCompare(nameAt(row), name) <= 0) ++row;
-    beginInsertRows({}, row, row);
-    _applications.insert(static_cast<std::size_t>(row), record);
-    endInsertRows();
-    return row;
-}
-
-void ExcludedApplicationsList::removeRow(int row) {
-    beginRemoveRows({}, row, row);
-    _applications.removeAt(static_cast<std::size_t>(row));
-    endRemoveRows();
 }
 
 void ExcludedApplicationsList::sortByName() {
@@ -170,9 +119,7 @@ void ExcludedApplicationsList::selectRow(int row) {
 
 bool ExcludedApplicationsList::selectString(const std::string& typed) {
     if (rowCount() == 0) return false;
-    int row = 0;
-    while (row < rowCount() - 1 && finderCompare(nameAt(row), typed) < 0) ++row;
-    if (_view) selectRowsAndScroll(*_view, {row});
+    if (_view) selectRowsAndScroll(*_view, {rowForTypedName(typed)});
     return true;
 }
 
@@ -203,7 +150,7 @@ void ExcludedApplicationsList::_updatePaths() {
     }
     // The one left may have been found through the other's alias data: it gets its own again.
     for (const std::string& path : duplicates)
-        if (std::optional<Dictionary> survivor = plist::asDictionary(_applications[static_cast<std::size_t>(rowOfPath(path, false))])) {
+        if (std::optional<Dictionary> survivor = plist::asDictionary(_applications[static_cast<std::size_t>(*rowOfPath(path, false))])) {
             survivor->remove(keys::AliasData);
             if (std::optional<plist::Data> alias = AliasData(path)) survivor->set(keys::AliasData, *alias);
         }
@@ -279,7 +226,7 @@ void ExcludedApplicationsList::addPaths(const std::vector<std::string>& paths, b
     // Listed already under another spelling of the path: selected as it is listed.
     std::vector<std::string> shown;
     for (const std::string& path : collected)
-        if (int row = rowOfPath(path, true); row >= 0) shown.push_back(pathAt(row));
+        if (std::optional<int> row = rowOfPath(path, true)) shown.push_back(pathAt(*row));
     selectPaths(shown);
     if (anyNew || savesUnchangedAdditions()) saveApplications(fromDrop || anyNew);
 }
@@ -293,8 +240,7 @@ void ExcludedApplicationsList::onRemoveApplication() {
     std::optional<std::string> following;
     if (rows.back() + 1 < rowCount()) following = pathAt(rows.back() + 1);
     for (auto row = rows.rbegin(); row != rows.rend(); ++row) removeApplication(*row);
-    int next = following ? rowOfPath(*following, false) : rowCount() - 1;
-    if (following && next < 0) next = std::min(rows.back(), rowCount() - 1);
+    int next = following ? rowOfPath(*following, false).value_or(std::min(rows.back(), rowCount() - 1)) : rowCount() - 1;
     if (_view) selectRowsAndScroll(*_view, next < 0 ? std::vector<int>() : std::vector<int>{next});
     saveApplications(true);
 }
@@ -336,15 +282,14 @@ void ExcludedApplicationsList::onChangeApplication() {
 void ExcludedApplicationsList::changeApplication(const std::string& oldPath, const std::string& chosen) {
     std::optional<Dictionary> record = excludedApplicationRecord(chosen);
     // The application may have been repaired or removed while the panel was open.
-    int edited = rowOfPath(oldPath, false);
-    if (edited < 0 && selection().size() == 1) edited = selection().front();
+    int edited = rowOfPath(oldPath, false).value_or(selection().size() == 1 ? selection().front() : -1);
     if (!record || edited < 0) return;
     int shown;
-    if (int other = rowOfPath(chosen, true, edited); other >= 0) {
-        _applications.set(static_cast<std::size_t>(other), *record);
-        emit dataChanged(index(other), index(other));
+    if (std::optional<int> other = rowOfPath(chosen, true, edited)) {
+        _applications.set(static_cast<std::size_t>(*other), *record);
+        emit dataChanged(index(*other), index(*other));
         removeRow(edited);
-        shown = edited < other ? other - 1 : other;
+        shown = edited < *other ? *other - 1 : *other;
     } else {
         removeRow(edited);
         shown = insertInNameOrder(*record);

@@ -5,12 +5,12 @@
 // fixed, followed when they move, shown with their paths in info mode. Where the
 // records live and how a change is kept differ by menu: the three hooks below.
 
-#include <QAbstractListModel>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "fileutils/CanonicalPathCache.h"
+#include "groups/ApplicationRecordsModel.h"
 #include "groups/GroupsController.h"
 #include "menus/MenuEditor.h"
 #include "plist/Value.h"
@@ -23,11 +23,10 @@ class CorvalisPreferences;
 // none for a path or name the controller could not read back.
 std::optional<plist::Dictionary> excludedApplicationRecord(const std::string& path);
 
-class ExcludedApplicationsList : public QAbstractListModel, public ApplicationRowsObserver {
+class ExcludedApplicationsList : public ApplicationRecordsModel, public ApplicationRowsObserver {
     Q_OBJECT
 
 public:
-    enum Role { PathRole = Qt::UserRole + 1 };
 
     ExcludedApplicationsList(CorvalisPreferences& prefs, const char* showInfoKey, QObject* parent = nullptr);
 
@@ -37,18 +36,12 @@ public:
     const plist::Array& applications() const { return _applications; }
     void loadShowInfo();
 
-    int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
-    QStringList mimeTypes() const override { return {"text/uri-list"}; }
-    Qt::DropActions supportedDropActions() const override { return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction; }
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
 
-    std::string pathAt(int row) const;
-    std::string nameAt(int row) const;
     bool showInfo() const { return _showInfo; }
     // Applications whose file is gone or in the Trash.
     int invalidCount() const;
@@ -85,11 +78,6 @@ protected:
     // Whether adding only applications that were listed already is saved all the same.
     virtual bool savesUnchangedAdditions() const { return false; }
 
-    // For the hooks: a record put in name order, a row taken out, both announced to views.
-    int insertInNameOrder(const plist::Dictionary& record);
-    void removeRow(int row);
-    int rowOfPath(const std::string& path, bool ignoringCase, int except = -1) const;
-
     // Rows inserted or removed by the groups editor in the list it shares with this one.
     void applicationWillBeInserted(int row) override { beginInsertRows({}, row, row); }
     void applicationWasInserted() override { endInsertRows(); }
@@ -108,7 +96,6 @@ private:
     void sortByName();
 
     MenuEditorView* _view = nullptr;
-    plist::Array _applications;
     const char* showInfoKey_;
     bool _showInfo = false;
     bool _addingApplication = false;

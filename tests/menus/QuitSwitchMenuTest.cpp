@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "fileutils/ExecutableArchitectures.h"
 #include "groups/GroupsFixture.h"
 #include "menus/ConfigureQuitMenuController.h"
 #include "menus/ConfigureSwitchMenuController.h"
@@ -245,14 +246,16 @@ protected:
 
 TEST_F(SwitchMenuTest, ExcludedListIsTheStoresOwnArraySentWhole) {
     std::string term = app("Term"), edit = app("Edit"), upper = app("TERM");
+    std::string unreadable = app("Bad\xff");  // a name the controller could not read back
     openSwitch(Dictionary{});
-    excludedView.pickedFiles = {{term, edit}, {upper, term}};
+    excludedView.pickedFiles = {{term, unreadable, edit}, {upper, term}};
     ExcludedApplicationsList& list = switcher->excludedApplications();
     list.onAddApplication();
     ASSERT_EQ(bus.posted().size(), 1u);
     const Value& sent = (*bus.posted()[0].userInfo)[changes::ChangeSwitchMenuExcludedApps][keys::SwitchMenuExcludedApplications];
     EXPECT_TRUE(sent.array() && sent.array()->isSameObject(*prefs.prefsData()[keys::SwitchMenuExcludedApplications].array()));
     EXPECT_EQ(list.nameAt(0), "Edit");
+    EXPECT_EQ(list.rowCount(), 2);
     // Nothing new (the same path, and one differing only in letter case): nothing saved.
     list.onAddApplication();
     EXPECT_EQ(list.rowCount(), 2);
@@ -323,4 +326,31 @@ TEST_F(SwitchMenuTest, ControllerChangesOfTheExcludedListApplyAsFarAsValid) {
     EXPECT_EQ(list.nameAt(0), "Edit");
     EXPECT_EQ(excludedView.selected, std::vector<int>{1});  // Term, followed by its path
     EXPECT_TRUE(bus.posted().empty());                     // the controller's own change is not sent back
+}
+
+TEST(RunningApplicationMarks, TheTranslationBoxShowsOnlyBefore10_7OnThisProcessor) {
+    struct Case { const char* system; bool translated; };
+    for (const Case& c : {Case{"10.6.8", true}, Case{"10.7", false}, Case{"10.13", false}}) {
+        RunningApplicationMarks marks = RunningApplicationMarks::forThisComputer(KVOperatingSystem::SystemVersion::probe(c.system));
+        // A 64-bit processor marks the mode; one without would show only the translation box.
+        EXPECT_EQ(marks.showsAppMode, Is64BitProcessor()) << c.system;
+        EXPECT_EQ(marks.showsTranslated, c.translated || !Is64BitProcessor()) << c.system;
+    }
+}
+
+TEST_F(QuitMenuTest, AnOpenChangePanelFollowsTheSelectedApplicationWhenTheWindowComesBack) {
+    std::string one = app("One"), two = app("Two");
+    openQuit({}, {one, two});
+    excludedView.selected = {1};
+    excludedView.holdPanels = true;
+    list().onChangeApplication();
+    ASSERT_EQ(excludedView.panels.size(), 1u);
+    EXPECT_EQ(excludedView.panels[0].prompt, LocalizedString("Change"));
+    std::filesystem::remove_all(two);
+    quit->sheetWindowDidBecomeMain(false);  // another tab of the sheet is shown: not this editor's business
+    EXPECT_EQ(std::count_if(excludedView.calls.begin(), excludedView.calls.end(),
+                            [](const std::string& call) { return call.rfind("retitle", 0) == 0; }), 0);
+    quit->sheetWindowDidBecomeMain(true);
+    EXPECT_EQ(excludedView.calls.back(), "retitle " + LocalizedString("FixPath2") + " | " + LocalizedString("Fix"));
+    excludedView.closePanel();
 }

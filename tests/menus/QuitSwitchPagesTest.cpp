@@ -151,3 +151,40 @@ TEST_F(QuitSwitchPagesTest, AccessWarningButtonAsksForTheAccessibilitySettings) 
     EXPECT_FALSE(switcher.windowsCaution()->isVisible());
     EXPECT_EQ(switcher.universalAccessWarning()->isVisible(), controller.showsUniversalAccessWarning());
 }
+
+TEST_F(QuitSwitchPagesTest, OpeningTheSheetRefreshesOnlyTheShownEditorsPaths) {
+    std::string mail = app("Mail");
+    std::filesystem::create_directories(dir / "sub");
+    // A spelling of the path that a refresh would put right.
+    std::string roundabout = (dir / "sub" / ".." / "Mail.app").string();
+    Dictionary stale{{keys::Name, "Mail"}, {keys::Path, roundabout}};
+    openTab(Dictionary{{keys::Groups, Array{Dictionary{{keys::Name, "Excluded"}, {keys::CanBeDeleted, false},
+                                                       {keys::Applications, Array{stale}}}}},
+                       {keys::SwitchMenuExcludedApplications, Array{stale.deepCopy()}}});
+    auto excludedPath = [&](const char* tabName) {
+        auto* box = tab->configureMenusSheet()->page(tabName)->findChild<ExcludedApplicationsBox*>();
+        return box->table()->model()->index(0, 0).data(ApplicationRecordsModel::PathRole).toString().toStdString();
+    };
+    // Shown on the Open tab: the other editors' files are not looked at.
+    EXPECT_EQ(excludedPath("Quit"), roundabout);
+    EXPECT_EQ(excludedPath("Switch"), roundabout);
+    showPage<QuitMenuPage>("Quit");
+    EXPECT_EQ(excludedPath("Quit"), mail);
+    EXPECT_EQ(excludedPath("Switch"), roundabout);
+    showPage<SwitchMenuPage>("Switch");
+    EXPECT_EQ(excludedPath("Switch"), mail);
+}
+
+TEST_F(QuitSwitchPagesTest, TheMenusTabsSummaryCountsEachMenusMissingApplications) {
+    Dictionary gone{{keys::Name, "Gone"}, {keys::Path, (dir / "Gone.app").string()}};
+    openTab(Dictionary{{keys::Groups, Array{Dictionary{{keys::Name, "Excluded"}, {keys::CanBeDeleted, false},
+                                                       {keys::Applications, Array{gone}}}}},
+                       {keys::SwitchMenuExcludedApplications, Array{gone.deepCopy(), Dictionary{{keys::Name, "Lost"},
+                                                                    {keys::Path, (dir / "Lost.app").string()}}}}});
+    std::string report;
+    tab->updatePane(report);
+    std::string one = LocalizedString("OneInvalidPath");
+    EXPECT_NE(report.find(LocalizedFormat("QuitMenuSummary", {one})), std::string::npos) << report;
+    EXPECT_NE(report.find(LocalizedFormat("SwitchMenuSummary", {LocalizedFormat("MoreInvalidPaths", {2LL})})),
+              std::string::npos) << report;
+}

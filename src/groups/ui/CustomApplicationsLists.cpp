@@ -1,12 +1,32 @@
 #include "groups/ui/CustomApplicationsLists.h"
 
 #include <QAbstractItemView>
+#include <QHeaderView>
 #include <algorithm>
 
 #include "controls/KVIconServices.h"
 #include "controls/KVTableView.h"
 
 namespace corvalis {
+
+void setUpApplicationsTable(KVTableView* table, QAbstractItemModel* model, int pathRole, const QString& accessibleName) {
+    auto* icons = new ApplicationIconsProxy(pathRole, table);
+    icons->setSourceModel(model);
+    table->setModel(icons);
+    table->setItemDelegate(new KVImageAndTextCell(table));
+    table->setAccessibleName(accessibleName);
+    table->horizontalHeader()->hide();
+    table->horizontalHeader()->setStretchLastSection(true);
+    table->verticalHeader()->hide();
+    table->setShowGrid(false);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->setTabKeyNavigation(false);
+    table->setWordWrap(false);
+    table->setDragDropMode(QAbstractItemView::DropOnly);
+    table->setAcceptDrops(true);
+}
 
 QVariant ApplicationIconsProxy::data(const QModelIndex& index, int role) const {
     if (role != Qt::DecorationRole && role != ErrorCodeRole) return QIdentityProxyModel::data(index, role);

@@ -10,6 +10,8 @@
 
 namespace corvalis {
 
+class KVTableView;
+
 // A list model seen with the icon service's icons: each row's path (from
 // `pathRole`) gives its icon and error code, asked only for the rows drawn.
 class ApplicationIconsProxy : public QIdentityProxyModel {
@@ -22,6 +24,10 @@ public:
 private:
     int pathRole_;
 };
+
+// A list of applications by name with their icons (by each row's path, from `pathRole`): rows
+// selected whole, several at once, nothing typed in place, files dropped onto the whole list.
+void setUpApplicationsTable(KVTableView* table, QAbstractItemModel* model, int pathRole, const QString& accessibleName);
 
 class ApplicationListView : public QtEditorView {
 public:

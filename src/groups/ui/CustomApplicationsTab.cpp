@@ -70,21 +70,8 @@ CustomApplicationsTab::CustomApplicationsTab(CorvalisPreferences& prefs, Notific
     table_ = new KVTableView(content_);
     setItemView(table_);
     controller_ = std::make_unique<CustomApplicationsController>(prefs, distributed, *this, std::move(architectures));
-    auto* icons = new ApplicationIconsProxy(CustomApplicationsController::PathRole, this);
-    icons->setSourceModel(controller_.get());
-    table_->setModel(icons);
-    table_->setItemDelegate(new KVImageAndTextCell(table_));
-    table_->setAccessibleName(localized("CustomApplicationsList"));
-    table_->horizontalHeader()->hide();
-    table_->horizontalHeader()->setStretchLastSection(true);
-    table_->verticalHeader()->hide();
-    table_->setShowGrid(false);
-    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table_->setTabKeyNavigation(false);
-    table_->setDragDropMode(QAbstractItemView::DropOnly);
-    table_->setAcceptDrops(true);
+    setUpApplicationsTable(table_, controller_.get(), CustomApplicationsController::PathRole,
+                           localized("CustomApplicationsList"));
     table_->setTypeToSelect([this](const QString& typed) { return controller_->selectString(typed.toStdString()); });
     table_->installEventFilter(this);
     listSide->addWidget(table_, 1);

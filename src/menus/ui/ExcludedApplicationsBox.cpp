@@ -1,6 +1,5 @@
 #include "menus/ui/ExcludedApplicationsBox.h"
 
-#include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMenu>
@@ -22,23 +21,8 @@ ExcludedApplicationsBox::ExcludedApplicationsBox(ExcludedApplicationsList& list,
     listSide->setSpacing(0);
     table_ = new KVTableView(this);
     setItemView(table_);
-    auto* icons = new ApplicationIconsProxy(ExcludedApplicationsList::PathRole, this);
-    icons->setSourceModel(&list_);
-    table_->setModel(icons);
-    table_->setItemDelegate(new KVImageAndTextCell(table_));
-    table_->setAccessibleName(tableName);
-    table_->horizontalHeader()->hide();
-    table_->horizontalHeader()->setStretchLastSection(true);
-    table_->verticalHeader()->hide();
-    table_->setShowGrid(false);
-    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table_->setTabKeyNavigation(false);
-    table_->setWordWrap(false);
     // Applications come from a file manager or the applications browser, onto the whole list.
-    table_->setDragDropMode(QAbstractItemView::DropOnly);
-    table_->setAcceptDrops(true);
+    setUpApplicationsTable(table_, &list_, ExcludedApplicationsList::PathRole, tableName);
     table_->setTypeToSelect([this](const QString& typed) { return list_.selectString(typed.toStdString()); });
     table_->installEventFilter(this);
     table_->viewport()->installEventFilter(this);

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include "controls/KVIconServices.h"
@@ -18,7 +19,7 @@ namespace corvalis {
 namespace {
 
 // A note: one of the pane's images before a wrapped text, read as that text.
-QWidget* noteWidget(const char* image, const QString& text, QWidget* parent, QLabel** textLabel = nullptr) {
+QWidget* noteWidget(const char* image, const QString& text, QWidget* parent) {
     auto* note = new QWidget(parent);
     auto* layout = new QHBoxLayout(note);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -30,7 +31,6 @@ QWidget* noteWidget(const char* image, const QString& text, QWidget* parent, QLa
     layout->addWidget(icon);
     layout->addWidget(label, 1);
     note->setAccessibleName(text);
-    if (textLabel) *textLabel = label;
     return note;
 }
 
@@ -48,13 +48,13 @@ SwitchMenuPage::SwitchMenuPage(ConfigureSwitchMenuController& controller, QWidge
                               [this](bool on) { controller_.onSortChronologically(on); }));
     side->addWidget(addOption(keys::ReopenApplicationsOnSwitch, "ReopenApplicationsOnSwitch",
                               [this](bool on) { controller_.onReopenApplications(on); }));
-    auto* windowsRow = new QHBoxLayout;
-    windowsRow->addWidget(addOption(keys::AddApplicationWindows, "AddApplicationWindows",
-                                    [this](bool on) { controller_.onShowApplicationWindows(on); }));
+    side->addWidget(addOption(keys::AddApplicationWindows, "AddApplicationWindows",
+                              [this](bool on) { controller_.onShowApplicationWindows(on); }));
+    // Under the box it is about, indented like the box's title.
     windowsCaution_ = noteWidget("Caution", localized("ShowApplicationWindowsCaution"), this);
-    windowsRow->addWidget(windowsCaution_);
-    windowsRow->addStretch(1);
-    side->addLayout(windowsRow);
+    windowsCaution_->setContentsMargins(style()->pixelMetric(QStyle::PM_IndicatorWidth) +
+                                            style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing), 0, 0, 0);
+    side->addWidget(windowsCaution_);
     side->addWidget(addOption(keys::SwitchMenuMarkApplicationMode, "MarkApplicationMode",
                               [this](bool on) { controller_.onMarkAppMode(on); }));
     side->addWidget(addOption(keys::SwitchMenuMarkApplicationsUsingRosetta, "MarkApplicationsUsingRosetta",
@@ -67,12 +67,16 @@ SwitchMenuPage::SwitchMenuPage(ConfigureSwitchMenuController& controller, QWidge
 
     singleAppModeInfo_ = noteWidget("Note", localized("SingleApplicationModeInfo"), this);
     side->addWidget(singleAppModeInfo_);
-    universalAccessWarning_ = noteWidget("Caution", QString::fromStdString(controller_.universalAccessWarningText()), this,
-                                         &universalAccessText_);
+    // The warning's text, with its button under it at the right.
+    universalAccessWarning_ = new QWidget(this);
+    auto* warning = new QVBoxLayout(universalAccessWarning_);
+    warning->setContentsMargins(0, 0, 0, 0);
+    warning->addWidget(noteWidget("Caution", QString::fromStdString(controller_.universalAccessWarningText()),
+                                  universalAccessWarning_));
     openUniversalAccess_ = new QPushButton(QString::fromStdString(controller_.universalAccessButtonTitle()),
                                            universalAccessWarning_);
     openUniversalAccess_->setAutoDefault(false);
-    universalAccessWarning_->layout()->addWidget(openUniversalAccess_);
+    warning->addWidget(openUniversalAccess_, 0, Qt::AlignRight);
     connect(openUniversalAccess_, &QPushButton::clicked, this, [this] { controller_.onOpenUniversalAccess(); });
     side->addWidget(universalAccessWarning_);
     connect(&controller_, &ConfigureSwitchMenuController::messagesChanged, this, &SwitchMenuPage::showMessages);

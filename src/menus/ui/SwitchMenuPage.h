@@ -7,7 +7,6 @@
 #include "menus/ui/MenuItemListPage.h"
 
 class QCheckBox;
-class QLabel;
 class QPushButton;
 
 namespace corvalis {
@@ -37,7 +36,6 @@ private:
     QWidget* windowsCaution_;
     QWidget* singleAppModeInfo_;
     QWidget* universalAccessWarning_;
-    QLabel* universalAccessText_;
     QPushButton* openUniversalAccess_;
     ExcludedApplicationsBox* excluded_;
     bool showing_ = false;

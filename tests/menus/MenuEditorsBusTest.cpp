@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "menus/ConfigureOpenMenuController.h"
+#include "menus/ConfigureSwitchMenuController.h"
 #include "platform/FileDomainStore.h"
 #include "platform/InProcessNotificationCenter.h"
 #include "platform/linux/DBusNotificationCenter.h"
@@ -9,6 +10,7 @@
 #include "plist/PlistIO.h"
 #include "schema/PreferenceKeys.h"
 #include "support/IntegrationSupport.h"
+#include "support/RecordingEditorView.h"
 
 using namespace corvalis;
 using namespace corvalis::plist;
@@ -49,4 +51,45 @@ TEST(OpenMenuBus, RenameAndDepthChangeTravelOverTheBus) {
     ParseResult saved = parse(std::string_view(test::readFile(store.pathForDomain(notifications::Domain))));
     EXPECT_EQ(saved.value[keys::OpenMenuItems][2][keys::Depth].toInt32(), 5);
     EXPECT_EQ(saved.value[keys::OpenMenuItems][0][keys::Depth].toInt32(), 2);
+}
+
+// The Switch menu's excluded list both ways: an application removed here reaches the
+// controller as the whole list, and the controller's list replaces the one shown.
+TEST(SwitchMenuBus, ExcludedApplicationsTravelOverTheBusBothWays) {
+    test::TempDir dir;
+    std::string term = test::makeBundle(dir.path(), "Term", "com.test.Term").string();
+    std::string edit = test::makeBundle(dir.path(), "Edit", "com.test.Edit").string();
+    FileDomainStore store(dir / "prefs");
+    store.setPersistentDomain(Dictionary{{keys::SwitchMenuExcludedApplications,
+                                          Array{Dictionary{{keys::Name, "Edit"}, {keys::Path, edit}},
+                                                Dictionary{{keys::Name, "Term"}, {keys::Path, term}}}}},
+                              notifications::Domain);
+    DBusNotificationCenter bus, controller;
+    ASSERT_TRUE(bus.isConnected());
+    InProcessNotificationCenter local;
+    CorvalisPreferences prefs(store, bus);
+    prefs.loadPreferences();
+    ConfigureSwitchMenuController switcher(prefs, local, bus, {}, {});
+    switcher.initializePane(true);
+    struct Selection : test::RecordingView<MenuEditorView> {
+        std::vector<int> selectedRows() const override { return {0}; }
+    } view;
+    switcher.excludedApplications().setView(&view);
+
+    std::vector<Notification> heard;
+    controller.addObserver(notifications::CorvalisPaneChangedPrefs, notifications::PaneObject,
+                           [&](const Notification& n) { heard.push_back(n); });
+    switcher.excludedApplications().onRemoveApplication();
+    ASSERT_TRUE(test::waitUntil([&] { return !heard.empty(); }, 10000));
+    const Value& sent = (*heard.back().userInfo)[changes::ChangeSwitchMenuExcludedApps][keys::SwitchMenuExcludedApplications];
+    ASSERT_TRUE(sent.array());
+    ASSERT_EQ(sent.array()->size(), 1u);
+    EXPECT_EQ(sent[0][keys::Path].stringOr(""), term);
+
+    controller.post(Notification{notifications::SwitchMenuExcludedAppsChanged, notifications::ControllerObject,
+                                 Dictionary{{changes::ChangeSwitchMenuExcludedApps,
+                                             Dictionary{{keys::SwitchMenuExcludedApplications,
+                                                         Array{Dictionary{{keys::Name, "Edit"}, {keys::Path, edit}}}}}}}});
+    ASSERT_TRUE(test::waitUntil([&] { return switcher.excludedApplications().rowCount() == 1 &&
+                                             switcher.excludedApplications().pathAt(0) == edit; }, 10000));
 }

@@ -1,6 +1,8 @@
-// The Applications tab's path refresh over 1,000 custom applications (each a
-// desktop entry on disk), beside a bare stat(2) of the same paths: the floor of
-// any check that a file is still there. Usage: corvalis-bench-custom-apps [benchmark flags]
+// The path refresh of the lists of applications over 1,000 entries (each a desktop
+// entry on disk): the Applications tab's custom applications and the Quit and
+// Switch menus' excluded applications, beside a bare stat(2) of the same paths,
+// the floor of any check that a file is still there.
+// Usage: corvalis-bench-app-lists [benchmark flags]
 
 #include <benchmark/benchmark.h>
 #include <sys/stat.h>
@@ -8,12 +10,18 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "SilentEditorView.h"
 #include "fileutils/AliasResolution.h"
 #include "groups/CustomApplicationsController.h"
+#include "groups/GroupsController.h"
+#include "keys/KVKeyCombinationValidator.h"
+#include "menus/ConfigureQuitMenuController.h"
+#include "menus/ConfigureSwitchMenuController.h"
 #include "platform/FileDomainStore.h"
 #include "platform/InProcessNotificationCenter.h"
 #include "prefs/CorvalisPreferences.h"
@@ -48,8 +56,16 @@ void makeData() {
                                          {keys::AliasData, AliasData(path).value_or(plist::Data())},
                                          {keys::Options, plist::Dictionary{}}});
     }
+    // The same applications in each list: custom, excluded from the Quit commands, left out of the Switch menu.
+    plist::Array excluded = records.deepCopy();
     FileDomainStore domains(gWork / "prefs");
-    domains.setPersistentDomain(plist::Dictionary{{keys::CustomApplications, records}}, "com.kestrova.Corvalis");
+    domains.setPersistentDomain(
+        plist::Dictionary{{keys::CustomApplications, records},
+                          {keys::SwitchMenuExcludedApplications, records.deepCopy()},
+                          {keys::Groups, plist::Array{plist::Dictionary{{keys::Name, "Excluded"},
+                                                                        {keys::CanBeDeleted, false},
+                                                                        {keys::Applications, excluded}}}}},
+        "com.kestrova.Corvalis");
     domains.synchronize("com.kestrova.Corvalis");
 }
 
@@ -67,6 +83,33 @@ void CustomApplicationsPathRefresh(benchmark::State& state) {
     state.counters["entries"] = controller.rowCount();
 }
 
+// The Quit and Switch editors share one list; each is timed on its own copy of the applications.
+template <class Editor>
+void ExcludedPathRefresh(benchmark::State& state) {
+    FileDomainStore domains(gWork / "prefs");
+    InProcessNotificationCenter bus, local;
+    CorvalisPreferences prefs(domains, bus);
+    prefs.loadPreferences();
+    KVKeyCombinationValidator validator(prefs);
+    bench::NoRunningApplications running;
+    bench::SilentGroupsView outline;
+    GroupsController groups(prefs, validator, bus, local, running, outline);
+    groups.initializePane(true);
+    std::unique_ptr<Editor> editor;
+    if constexpr (std::is_same_v<Editor, ConfigureQuitMenuController>)
+        editor = std::make_unique<Editor>(prefs, local, [&groups] { return &groups; }, nullptr);
+    else
+        editor = std::make_unique<Editor>(prefs, local, bus, nullptr, nullptr);
+    editor->initializePane(true);
+    ExcludedApplicationsList& list = editor->excludedApplications();
+    list._updatePaths();
+    for (auto _ : state) list._updatePaths();
+    state.counters["entries"] = list.rowCount();
+}
+
+void QuitExcludedPathRefresh(benchmark::State& state) { ExcludedPathRefresh<ConfigureQuitMenuController>(state); }
+void SwitchExcludedPathRefresh(benchmark::State& state) { ExcludedPathRefresh<ConfigureSwitchMenuController>(state); }
+
 void StatSamePaths(benchmark::State& state) {
     for (auto _ : state) {
         int found = 0;
@@ -79,10 +122,12 @@ void StatSamePaths(benchmark::State& state) {
 }  // namespace
 
 BENCHMARK(CustomApplicationsPathRefresh)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(QuitExcludedPathRefresh)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(SwitchExcludedPathRefresh)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 BENCHMARK(StatSamePaths)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 
 int main(int argc, char** argv) {
-    char pattern[] = "/tmp/corvalis-bench-custom-apps-XXXXXX";
+    char pattern[] = "/tmp/corvalis-bench-app-lists-XXXXXX";
     gWork = mkdtemp(pattern);
     setenv("CORVALIS_PREFERENCES_DIR", (gWork / "prefs").c_str(), 1);
     makeData();
