@@ -192,12 +192,8 @@ TEST_F(SpecialMenuTest, ChangePanelRepointsAndMergesDuplicates) {
 
     std::filesystem::remove(c);
     EXPECT_EQ(menu->changeItemTitle(), LocalizedString("FixPath1"));
-    view.holdPanels = true;
     menu->onChangeItem();
     EXPECT_EQ(view.panels.back().prompt, LocalizedString("Fix"));
-    test::writeFile(c, "back");
-    menu->sheetWindowDidBecomeMain(true);
-    EXPECT_EQ(view.calls.back(), "retitle " + LocalizedString("ChangeFileOrFolder2") + " | " + LocalizedString("Change"));
 }
 
 TEST_F(SpecialMenuTest, OptionsAreStoredAndToldToTheController) {
