@@ -8,15 +8,49 @@
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFileSystemModel>
 #include <QItemSelection>
 #include <QPushButton>
+#include <QSortFilterProxyModel>
 #include <QTreeView>
 #include <QUrl>
+#include <algorithm>
 
 #include "controls/AlertSheet.h"
 #include "controls/LocalizedText.h"
+#include "fileutils/PathPredicates.h"
 
 namespace corvalis {
+
+namespace {
+
+// Qt's panel opens a folder instead of choosing it unless it takes folders only;
+// one that takes both chooses whatever is selected.
+class FilesAndFoldersDialog : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+    void accept() override {
+        const QStringList files = selectedFiles();
+        bool allExist = !files.isEmpty() && std::all_of(files.begin(), files.end(), [](const QString& file) {
+            return QFileInfo::exists(file);
+        });
+        if (allExist) return QDialog::accept();
+        QFileDialog::accept();
+    }
+};
+
+class NoApplicationsFilter : public QSortFilterProxyModel {
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+protected:
+    bool filterAcceptsRow(int row, const QModelIndex& parent) const override {
+        auto* files = qobject_cast<QFileSystemModel*>(sourceModel());
+        return !files || !IsApplication(files->filePath(files->index(row, 0, parent)).toStdString());
+    }
+};
+
+}  // namespace
 
 QtEditorView::QtEditorView(QWidget* window, QAbstractItemView* items) : window_(window), items_(items) {}
 
@@ -88,8 +122,14 @@ void QtEditorView::ask(const EditorAlert& alert, std::function<void(int button)>
 }
 
 void QtEditorView::pickFiles(const EditorOpenPanel& panel, std::function<void(std::vector<std::string> paths)> picked) {
-    auto* dialog = new QFileDialog(window_, QString::fromStdString(panel.message),
-                                   QString::fromStdString(panel.directory));
+    bool both = panel.canChooseFiles && panel.canChooseDirectories;
+    QFileDialog* dialog = both ? new FilesAndFoldersDialog(window_, QString::fromStdString(panel.message),
+                                                           QString::fromStdString(panel.directory))
+                               : new QFileDialog(window_, QString::fromStdString(panel.message),
+                                                 QString::fromStdString(panel.directory));
+    // The desktop's own panel can do neither of these.
+    if (both || panel.hidesApplications) dialog->setOption(QFileDialog::DontUseNativeDialog);
+    if (panel.hidesApplications) dialog->setProxyModel(new NoApplicationsFilter(dialog));
     dialog->setWindowModality(Qt::WindowModal);
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
     if (panel.canChooseDirectories && !panel.canChooseFiles)

@@ -53,7 +53,7 @@ public:
     const plist::Array& menuItems() const { return _menuItems; }
     std::string kindAt(int row) const;
     const std::string* pathAt(int row) const;
-    std::string displayNameAt(int row) const;
+    virtual std::string displayNameAt(int row) const;
 
     // The entries of the Add pull-down, in order: the missing kinds, then those always offered.
     std::vector<std::string> addMenuKinds() const;

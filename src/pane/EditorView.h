@@ -31,6 +31,8 @@ struct EditorOpenPanel {
     bool canChooseDirectories = false;
     bool allowsMultipleSelection = false;
     bool resolvesAliases = true;
+    // Applications are not listed (editors of documents and folders).
+    bool hidesApplications = false;
     // Extensions without the dot; empty allows every file.
     std::vector<std::string> allowedFileTypes;
     std::string directory;

@@ -48,5 +48,7 @@ inline constexpr const char* Sleep = "Sleep";
 inline constexpr const char* Restart = "Restart";
 inline constexpr const char* ShutDown = "ShutDown";
 inline constexpr const char* LogOut = "LogOut";
+// The Add pull-down's entry that asks for files or folders (no record has it).
+inline constexpr const char* FileOrFolder = "FileOrFolder";
 
 }  // namespace corvalis::items

@@ -49,6 +49,8 @@ inline constexpr const char* ChangeSpecialMenuHotKey = "ChangeSpecialMenuHotKey"
 // User-info keys of the Open menu's changes: the whole menu from the pane, a folder's depth from the controller.
 inline constexpr const char* ChangeOpenMenuItems = "ChangeOpenMenuItems";
 inline constexpr const char* ChangeOpenMenuItemDepth = "ChangeOpenMenuItemDepth";
+// The Special menu, whole, from the pane.
+inline constexpr const char* ChangeSpecialMenuItems = "ChangeSpecialMenuItems";
 
 // User-info keys of the Quit and Switch menus' changes: each the whole menu, or the Switch menu's whole excluded list.
 inline constexpr const char* ChangeQuitMenuItems = "ChangeQuitMenuItems";

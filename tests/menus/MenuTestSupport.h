@@ -3,6 +3,8 @@
 // writes down what it is told, and the Open menu editor over a store in memory.
 
 #include <QAbstractItemModelTester>
+#include <QMimeData>
+#include <QUrl>
 #include <filesystem>
 #include <memory>
 
@@ -13,6 +15,15 @@
 #include "support/TestSupport.h"
 
 namespace corvalis::test {
+
+// Files as a file manager drags them.
+inline std::unique_ptr<QMimeData> filesDragged(const std::vector<std::string>& paths) {
+    auto data = std::make_unique<QMimeData>();
+    QList<QUrl> urls;
+    for (const std::string& path : paths) urls << QUrl::fromLocalFile(QString::fromStdString(path));
+    data->setUrls(urls);
+    return data;
+}
 
 class MenuView : public RecordingView<MenuEditorView> {
 public:

@@ -3,7 +3,11 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
 #include <QFileDialog>
+#include <QFileSystemModel>
+#include <QSortFilterProxyModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -23,6 +27,8 @@
 #include "menus/ui/MenuHotKeysTable.h"
 #include "menus/ui/MenusTab.h"
 #include "menus/ui/OpenMenuPage.h"
+#include "menus/ConfigureSpecialMenuController.h"
+#include "menus/ui/SpecialMenuPage.h"
 #include "prefs/MenuItemKinds.h"
 #include "prefs/NotificationNames.h"
 #include "support/IntegrationSupport.h"
@@ -103,7 +109,7 @@ TEST_F(MenusTabTest, ConfigureMenusSheetEditsTheOpenMenu) {
     Strings sheetTabs;
     for (int i = 0; i < tab->configureMenusSheet()->tabs()->count(); ++i)
         sheetTabs.push_back(tab->configureMenusSheet()->tabs()->widget(i)->objectName().toStdString());
-    ASSERT_EQ(sheetTabs, (Strings{"Open", "Quit", "Switch"}));
+    ASSERT_EQ(sheetTabs, (Strings{"Open", "Quit", "Switch", "Special"}));
     OpenMenuPage* page = openMenuPage();
     ASSERT_TRUE(page);
     Strings factory = openMenuKinds();
@@ -258,10 +264,83 @@ TEST_F(MenusTabTest, PreviewsSheetRepairsSizesOnceAndKeepsTheFilterStoredWhileOf
     sheet->done(1);
 }
 
+TEST_F(MenusTabTest, SpecialTabKeepsItsOptionsWithItsMenu) {
+    open(Dictionary{{keys::SpecialMenuItems, Array{Dictionary{{keys::Item, "Home"}}}}});
+    tab->configureMenusButton()->click();
+    auto* page = qobject_cast<SpecialMenuPage*>(tab->configureMenusSheet()->page("Special"));
+    ASSERT_TRUE(page);
+    tab->configureMenusSheet()->tabs()->setCurrentWidget(page);
+    EXPECT_FALSE(page->volumesOptions()->isVisible());
+    EXPECT_FALSE(page->table()->model()->flags(page->table()->model()->index(0, 0)) & Qt::ItemIsEditable);
+
+    // Adding the disks brings their options; the keyboard reaches and changes them.
+    QAction* volumes = entry(page->addMenu(), QString::fromStdString(LocalizedString("Volumes")));
+    ASSERT_TRUE(volumes);
+    volumes->trigger();
+    EXPECT_TRUE(page->volumesOptions()->isVisible());
+    QCheckBox* network = page->diskBox(keys::ShowNetworkDisks);
+    network->setFocus();
+    QTest::keyClick(network, Qt::Key_Space);
+    EXPECT_FALSE(prefs.boolForKey(keys::ShowNetworkDisks));
+    page->quickCopyPathCommand()->setFocus();
+    QTest::keyClick(page->quickCopyPathCommand(), Qt::Key_Down);
+    EXPECT_EQ(prefs.stringForKey(keys::QuickCopyPathCommand), ConfigureSpecialMenuController::quickCopyPathCommandText(1));
+    EXPECT_EQ(postedNames(), Strings(3, notifications::CorvalisPaneChangedPrefs));
+
+    // Only a row with a path can be changed; removing the disks takes their options away.
+    QAction* change = entry(page->actionsMenu(), QString::fromStdString(LocalizedString("ChangeFileOrFolder1")));
+    ASSERT_TRUE(change);
+    EXPECT_FALSE(change->isEnabled());
+    page->table()->setFocus();
+    page->table()->selectRow(1);
+    QTest::keyClick(page->table(), Qt::Key_Delete);
+    EXPECT_EQ(kinds(prefs.prefsData()[keys::SpecialMenuItems]), Strings{"Home"});
+    EXPECT_FALSE(page->volumesOptions()->isVisible());
+
+    // The panel lists no applications, and takes a folder as readily as a file.
+    std::filesystem::create_directories(dir / "Projects");
+    std::filesystem::create_directories(dir / "Tool.app" / "Contents");
+    test::writeFile(dir / "Tool.app" / "Contents" / "Info.plist", "<plist/>");
+    entry(page->addMenu(), QString::fromStdString(LocalizedString("FileOrFolder")))->trigger();
+    QFileDialog* panel = waitForSheet<QFileDialog>();
+    ASSERT_TRUE(panel);
+    QString folder = QString::fromStdString(std::filesystem::canonical(dir.path()).string());
+    panel->setDirectory(folder);
+    auto* listed = qobject_cast<QSortFilterProxyModel*>(panel->proxyModel());
+    ASSERT_TRUE(listed);
+    auto* files = qobject_cast<QFileSystemModel*>(listed->sourceModel());
+    ASSERT_TRUE(files && test::waitUntil([&] { return files->rowCount(files->index(folder)) == 2; }, 5000));
+    QModelIndex shown = listed->mapFromSource(files->index(folder));
+    ASSERT_EQ(listed->rowCount(shown), 1);
+    EXPECT_EQ(listed->index(0, 0, shown).data().toString(), "Projects");
+    auto* name = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(name);
+    QTest::keyClicks(name, "Projects");
+    static_cast<QDialog*>(panel)->accept();
+    EXPECT_EQ(kinds(prefs.prefsData()[keys::SpecialMenuItems]), (Strings{"Home", "Folder"}));
+
+    // Return on the folder's row asks where it is now.
+    page->table()->setFocus();
+    page->table()->selectRow(1);
+    QTest::keyClick(page->table(), Qt::Key_Return);
+    panel = waitForSheet<QFileDialog>();
+    ASSERT_TRUE(panel);
+    EXPECT_EQ(panel->windowTitle().toStdString(), LocalizedString("ChangeFileOrFolder2"));
+    panel->reject();
+    tab->configureMenusSheet()->done(1);
+}
+
 // Kinds without a file of their own still show an image, whatever icon theme the desktop has.
 TEST(MenuItemIcons, EveryKindWithoutAPathHasItsOwnImage) {
     for (const char* kind : {items::Groups, items::DockApplications, items::RecentApplications, items::SystemPreferences,
                              items::ApplicationsFolder, items::DeveloperApplicationsFolder})
         EXPECT_FALSE(menuItemIcon("", kind).value<QIcon>().isNull()) << kind;
     EXPECT_FALSE(menuItemIcon("", items::Separator).isValid());
+}
+
+// Commands the themes have no image for still show ours.
+TEST(MenuItemIcons, SpecialCommandsWithoutAThemeImageShowOurOwn) {
+    for (const char* kind : {items::RelaunchDock, items::Sleep})
+        EXPECT_FALSE(specialMenuItemIcon("", kind).value<QIcon>().isNull()) << kind;
+    EXPECT_FALSE(specialMenuItemIcon("", items::Separator).isValid());
 }

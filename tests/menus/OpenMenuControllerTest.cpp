@@ -10,6 +10,7 @@
 using namespace corvalis;
 using namespace corvalis::plist;
 using Strings = std::vector<std::string>;
+using corvalis::test::filesDragged;
 
 namespace {
 
@@ -18,13 +19,6 @@ protected:
     std::string folder(const std::string& name) {
         std::filesystem::create_directories(dir / name);
         return std::filesystem::canonical(dir / name).string();
-    }
-    std::unique_ptr<QMimeData> filesDragged(const std::vector<std::string>& paths) {
-        auto data = std::make_unique<QMimeData>();
-        QList<QUrl> urls;
-        for (const std::string& path : paths) urls << QUrl::fromLocalFile(QString::fromStdString(path));
-        data->setUrls(urls);
-        return data;
     }
 };
 

@@ -137,7 +137,7 @@ void MenuItemListPage::rebuildAddMenu() {
     for (const std::string& kind : model_.addMenuKinds()) {
         QString title = QString::fromStdString(model_.kindTitle(kind));
         addMenu_->addAction(title, this, [this, kind] { model_.onAddItem(kind); });
-        if (kind == items::Folder) addMenu_->insertSeparator(addMenu_->actions().last());
+        if (kind == items::Folder || kind == items::FileOrFolder) addMenu_->insertSeparator(addMenu_->actions().last());
     }
 }
 

@@ -20,10 +20,12 @@
 #include "keys/ui/KVKeyCombinationTextField.h"
 #include "keys/ui/KeyCombinationTableKeys.h"
 #include "menus/ConfigureOpenMenuController.h"
+#include "menus/ConfigureSpecialMenuController.h"
 #include "menus/ui/ConfigurePreviewsSheet.h"
 #include "menus/ui/MenuHotKeysTable.h"
 #include "menus/ui/OpenMenuPage.h"
 #include "menus/ui/QuitMenuPage.h"
+#include "menus/ui/SpecialMenuPage.h"
 #include "menus/ui/SwitchMenuPage.h"
 #include "pane/PaneControllers.h"
 #include "pane/ui/CorvalisPane.h"
@@ -70,6 +72,8 @@ MenusTab::MenusTab(const MenusTabContext& context, QWidget* page, QWidget* windo
     addEditor<ConfigureSwitchMenuController, SwitchMenuPage>(
         "Switch", std::make_unique<ConfigureSwitchMenuController>(context.prefs, context.local, context.distributed,
                                                                   context.assistiveAccess, context.browser));
+    addEditor<ConfigureSpecialMenuController, SpecialMenuPage>(
+        "Special", std::make_unique<ConfigureSpecialMenuController>(context.prefs, context.distributed));
     buildPage(page);
     context_.validator.setHotKeysTable([this] { hotKeysModel_->reload(); });
 }

@@ -7,6 +7,7 @@
 
 #include "controls/LocalizedText.h"
 #include "menus/ConfigureOpenMenuController.h"
+#include "menus/ui/ChangeItemAction.h"
 
 namespace corvalis {
 
@@ -41,10 +42,6 @@ void OpenMenuPage::showSettings() {
     manualNote_->setVisible(controller_.showsSynchronizationNotes());
 }
 
-void OpenMenuPage::addActions(QMenu* menu) {
-    QAction* change = menu->addAction(QString::fromStdString(controller_.changeItemTitle()), this,
-                                      [this] { controller_.onChangeItem(); });
-    change->setEnabled(controller_.canChangeItem());
-}
+void OpenMenuPage::addActions(QMenu* menu) { addChangeItemAction(menu, controller_); }
 
 }  // namespace corvalis
