@@ -43,7 +43,9 @@ TEST(QtEditorView, AsksAndPicksThroughSheetsThatAnswerInTheirCallbacks) {
     EXPECT_EQ(answers, (std::vector<int>{0, 1}));
 
     std::vector<std::vector<std::string>> picked;
-    view.pickFiles(EditorOpenPanel{.allowedFileTypes = {"cvbu"}}, [&](std::vector<std::string> paths) {
+    EditorOpenPanel cvbuFiles;
+    cvbuFiles.allowedFileTypes = {"cvbu"};
+    view.pickFiles(cvbuFiles, [&](std::vector<std::string> paths) {
         picked.push_back(std::move(paths));
     });
     QFileDialog* panel = openSheet<QFileDialog>(window);
