@@ -40,10 +40,7 @@ void PathMenuItemListModel::updatePane(std::string& report) {
     int invalid = 0;
     for (int row = 0; row < rowCount(); ++row)
         if (const std::string* path = pathAt(row); path && !IsValid(*path)) ++invalid;
-    if (invalid == 0) return;
-    std::string count = invalid == 1 ? LocalizedString("OneInvalidPath")
-                                     : LocalizedFormat("MoreInvalidPaths", {static_cast<long long>(invalid)});
-    report += LocalizedFormat(_words.summary, {count}) + "\n";
+    appendInvalidPathsLine(report, _words.summary, invalid);
 }
 
 void PathMenuItemListModel::willShowPane() { _updatePaths(true); }

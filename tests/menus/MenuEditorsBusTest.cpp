@@ -15,21 +15,34 @@
 using namespace corvalis;
 using namespace corvalis::plist;
 
+namespace {
+
+// The settings in a domain file, loaded as the pane does, with the pane's bus connection and the
+// controller's beside it.
+struct BusDomain {
+    FileDomainStore store;
+    DBusNotificationCenter bus, controller;
+    InProcessNotificationCenter local;
+    CorvalisPreferences prefs;
+
+    BusDomain(const test::TempDir& dir, const Dictionary& stored) : store(dir / "prefs"), prefs(store, bus) {
+        store.setPersistentDomain(stored, notifications::Domain);
+        prefs.loadPreferences();
+    }
+};
+
+}  // namespace
+
 // On the session bus: a rename tells the controller the whole menu, and the controller's
 // depth change reaches the second folder record and, once saved, the domain file.
 TEST(OpenMenuBus, RenameAndDepthChangeTravelOverTheBus) {
     test::TempDir dir;
     for (const char* name : {"a", "b"}) std::filesystem::create_directories(dir / name);
     std::string a = std::filesystem::canonical(dir / "a").string(), b = std::filesystem::canonical(dir / "b").string();
-    FileDomainStore store(dir / "prefs");
-    store.setPersistentDomain(Dictionary{{keys::OpenMenuItems, Array{newFolderRecord(a), Dictionary{{keys::Item, "Groups"}},
-                                                                     newFolderRecord(b)}}},
-                              notifications::Domain);
-    DBusNotificationCenter bus, controller;
-    ASSERT_TRUE(bus.isConnected());
-    InProcessNotificationCenter local;
-    CorvalisPreferences prefs(store, bus);
-    prefs.loadPreferences();
+    BusDomain domain(dir, Dictionary{{keys::OpenMenuItems, Array{newFolderRecord(a), Dictionary{{keys::Item, "Groups"}},
+                                                                 newFolderRecord(b)}}});
+    ASSERT_TRUE(domain.bus.isConnected());
+    auto& [store, bus, controller, local, prefs] = domain;
     ConfigureOpenMenuController menu(prefs, local, bus, {});
     menu.initializePane(true);
 
@@ -59,16 +72,11 @@ TEST(SwitchMenuBus, ExcludedApplicationsTravelOverTheBusBothWays) {
     test::TempDir dir;
     std::string term = test::makeBundle(dir.path(), "Term", "com.test.Term").string();
     std::string edit = test::makeBundle(dir.path(), "Edit", "com.test.Edit").string();
-    FileDomainStore store(dir / "prefs");
-    store.setPersistentDomain(Dictionary{{keys::SwitchMenuExcludedApplications,
-                                          Array{Dictionary{{keys::Name, "Edit"}, {keys::Path, edit}},
-                                                Dictionary{{keys::Name, "Term"}, {keys::Path, term}}}}},
-                              notifications::Domain);
-    DBusNotificationCenter bus, controller;
-    ASSERT_TRUE(bus.isConnected());
-    InProcessNotificationCenter local;
-    CorvalisPreferences prefs(store, bus);
-    prefs.loadPreferences();
+    BusDomain domain(dir, Dictionary{{keys::SwitchMenuExcludedApplications,
+                                      Array{Dictionary{{keys::Name, "Edit"}, {keys::Path, edit}},
+                                            Dictionary{{keys::Name, "Term"}, {keys::Path, term}}}}});
+    ASSERT_TRUE(domain.bus.isConnected());
+    auto& [store, bus, controller, local, prefs] = domain;
     ConfigureSwitchMenuController switcher(prefs, local, bus, {}, {});
     switcher.initializePane(true);
     struct Selection : test::RecordingView<MenuEditorView> {
