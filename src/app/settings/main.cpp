@@ -15,11 +15,11 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("corvalis-settings");
     QApplication::setOrganizationName("Kestrova");
-    if (QIcon::themeName().isEmpty()) {
-        // Without a desktop session (offscreen, bare X servers) no theme is set.
-        QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() << "/usr/share/icons");
-        QIcon::setThemeName("Adwaita");
-    }
+    // Without a desktop session (offscreen, bare X servers) no theme is set, or only the bare
+    // "hicolor" one, which lacks the places and commands the menus show: Adwaita stands in.
+    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() << "/usr/share/icons");
+    QIcon::setFallbackThemeName("Adwaita");
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == "hicolor") QIcon::setThemeName("Adwaita");
 
     QCommandLineParser options;
     options.setApplicationDescription("The Corvalis settings window.");
