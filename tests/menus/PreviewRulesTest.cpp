@@ -29,7 +29,9 @@ TEST(PreviewRules, ExtensionFormatterRefusesWhatNoExtensionHolds) {
     for (const Case& c : cases) {
         std::string cleaned;
         EXPECT_EQ(unlimited.isPartialStringValid(c.typed, &cleaned), c.valid) << c.typed;
-        if (c.valid && !c.typed.empty()) EXPECT_EQ(cleaned, c.cleaned) << c.typed;
+        if (c.valid && !c.typed.empty()) {
+            EXPECT_EQ(cleaned, c.cleaned) << c.typed;
+        }
         EXPECT_EQ(unlimited.getObjectValue(c.typed).has_value(), c.valid) << c.typed;
     }
     EXPECT_TRUE(short4.isPartialStringValid("abcd", nullptr));
