@@ -1,6 +1,7 @@
 #include "menus/ui/MenuItemListPage.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QStyle>
@@ -108,6 +109,14 @@ QVBoxLayout* MenuItemListPage::sideLayout() {
         columns_->addLayout(side_, 3);
     }
     return side_;
+}
+
+QCheckBox* MenuItemListPage::makeOptionBox(const char* titleKey, QWidget* parent, std::function<void(bool)> changed) {
+    auto* box = new QCheckBox(localized(titleKey), parent);
+    connect(box, &QCheckBox::toggled, this, [this, changed = std::move(changed)](bool on) {
+        if (!showing_) changed(on);
+    });
+    return box;
 }
 
 std::vector<int> MenuItemListPage::selectedRows() const {

@@ -7,11 +7,13 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <functional>
 
 #include "controls/KVTableView.h"
 #include "controls/QtEditorView.h"
 #include "menus/MenuEditor.h"
 
+class QCheckBox;
 class QHBoxLayout;
 class QMenu;
 class QVBoxLayout;
@@ -45,6 +47,11 @@ protected:
     QVBoxLayout* sideLayout();
     // Entries the editor puts first in the Actions pull-down, refreshed each time it opens.
     virtual void addActions(QMenu* menu) { (void)menu; }
+    // A check box of the editor's options: `changed` hears the user's changes, not the page's own
+    // while it shows the settings (with `showing` set).
+    QCheckBox* makeOptionBox(const char* titleKey, QWidget* parent, std::function<void(bool)> changed);
+
+    bool showing_ = false;
 
 private:
     void editNameOnceActive(const EditorRow& row, int tries);

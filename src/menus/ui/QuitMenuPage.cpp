@@ -10,29 +10,21 @@
 
 namespace corvalis {
 
-QCheckBox* editorOptionBox(const char* titleKey, QWidget* parent, const bool& showing, std::function<void(bool)> changed) {
-    auto* box = new QCheckBox(localized(titleKey), parent);
-    QObject::connect(box, &QCheckBox::toggled, parent, [&showing, changed = std::move(changed)](bool on) {
-        if (!showing) changed(on);
-    });
-    return box;
-}
-
 QuitMenuPage::QuitMenuPage(ConfigureQuitMenuController& controller, QWidget* sheet, QWidget* parent)
     : MenuItemListPage(controller, localized("QuitMenuTable"), sheet, parent), controller_(controller) {
-    sortChronologically_ = editorOptionBox("SortChronologically", this, showing_,
+    sortChronologically_ = makeOptionBox("SortChronologically", this,
                                            [this](bool on) { controller_.onSortChronologically(on); });
-    markAppMode_ = editorOptionBox("MarkApplicationMode", this, showing_, [this](bool on) { controller_.onMarkAppMode(on); });
-    markTranslated_ = editorOptionBox("MarkApplicationsUsingRosetta", this, showing_,
+    markAppMode_ = makeOptionBox("MarkApplicationMode", this, [this](bool on) { controller_.onMarkAppMode(on); });
+    markTranslated_ = makeOptionBox("MarkApplicationsUsingRosetta", this,
                                       [this](bool on) { controller_.onMarkApplicationsUsingRosetta(on); });
     excluded_ = new ExcludedApplicationsBox(controller_.excludedApplications(), localized("QuitExcludedApplications"),
                                             localized("QuitExcludedApplicationsList"),
                                             [this] { controller_.onBrowseApplications(); }, sheet, this);
-    autoOpen_ = editorOptionBox("ExcludedAutoOpen", excluded_, showing_, [this](bool on) {
+    autoOpen_ = makeOptionBox("ExcludedAutoOpen", excluded_, [this](bool on) {
         controller_.onAutoOpen(on);
         hide_->setEnabled(on);
     });
-    hide_ = editorOptionBox("ExcludedHide", excluded_, showing_, [this](bool on) { controller_.onHide(on); });
+    hide_ = makeOptionBox("ExcludedHide", excluded_, [this](bool on) { controller_.onHide(on); });
     excluded_->boxLayout()->addWidget(autoOpen_);
     excluded_->boxLayout()->addWidget(hide_);
     QVBoxLayout* side = sideLayout();

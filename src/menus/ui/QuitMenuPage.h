@@ -3,8 +3,6 @@
 // it the options for how running applications are listed and the applications
 // the Quit commands leave running, with their open-automatically boxes.
 
-#include <functional>
-
 #include "menus/ui/MenuItemListPage.h"
 
 class QCheckBox;
@@ -36,12 +34,6 @@ private:
     ExcludedApplicationsBox* excluded_;
     QCheckBox* autoOpen_;
     QCheckBox* hide_;
-    // While the boxes are set from the settings they store nothing.
-    bool showing_ = false;
 };
-
-// A check box of an editor's page that calls `changed` when the user changes it, not while
-// `showing` (the page setting it from the settings) is true.
-QCheckBox* editorOptionBox(const char* titleKey, QWidget* parent, const bool& showing, std::function<void(bool)> changed);
 
 }  // namespace corvalis

@@ -84,7 +84,7 @@ SpecialMenuPage::SpecialMenuPage(ConfigureSpecialMenuController& controller, QWi
         icon->setPixmap(diskIcon(key).pixmap(kIconSize, kIconSize, key == std::string("ShowInactiveDisks")
                                                                         ? QIcon::Disabled
                                                                         : QIcon::Normal));
-        auto* box = new QCheckBox(localized(key), volumesOptions_);
+        QCheckBox* box = makeOptionBox(key, volumesOptions_, [this, key](bool on) { controller_.onShowDisks(key, on); });
         diskBoxes_.emplace_back(key, box);
         // Columns of icon and box, filled row by row.
         int row = place / kDiskColumns, column = (place % kDiskColumns) * 2;
@@ -92,17 +92,11 @@ SpecialMenuPage::SpecialMenuPage(ConfigureSpecialMenuController& controller, QWi
         disks->addWidget(box, row, column + 1);
         disks->setColumnStretch(column + 1, 1);
         ++place;
-        connect(box, &QCheckBox::toggled, this, [this, key](bool on) {
-            if (!showing_) controller_.onShowDisks(key, on);
-        });
     }
     pageLayout()->addWidget(volumesOptions_);
 
-    resolveAliases_ = new QCheckBox(localized("ResolveAliases"), this);
+    resolveAliases_ = makeOptionBox("ResolveAliases", this, [this](bool on) { controller_.onResolveAliases(on); });
     pageLayout()->addWidget(resolveAliases_);
-    connect(resolveAliases_, &QCheckBox::toggled, this, [this](bool on) {
-        if (!showing_) controller_.onResolveAliases(on);
-    });
 
     auto* copyPath = new QFormLayout;
     quickCopyPathCommand_ = new QComboBox(this);

@@ -41,7 +41,6 @@ private:
     QCheckBox* resolveAliases_;
     QComboBox* quickCopyPathCommand_;
     // While the settings are being shown the controls store nothing.
-    bool showing_ = false;
 };
 
 // The icon of a Special menu row: the file's own for a path, else the theme's image of the place or command.

@@ -11,7 +11,6 @@
 #include "controls/LocalizedText.h"
 #include "menus/ConfigureSwitchMenuController.h"
 #include "menus/ui/ExcludedApplicationsBox.h"
-#include "menus/ui/QuitMenuPage.h"
 #include "schema/PreferenceKeys.h"
 
 namespace corvalis {
@@ -40,7 +39,7 @@ SwitchMenuPage::SwitchMenuPage(ConfigureSwitchMenuController& controller, QWidge
     : MenuItemListPage(controller, localized("SwitchMenuTable"), sheet, parent), controller_(controller) {
     QVBoxLayout* side = sideLayout();
     auto addOption = [&](const char* key, const char* title, std::function<void(bool)> changed) {
-        QCheckBox* box = editorOptionBox(title, this, showing_, std::move(changed));
+        QCheckBox* box = makeOptionBox(title, this, std::move(changed));
         options_.emplace_back(key, box);
         return box;
     };

@@ -38,7 +38,6 @@ private:
     QWidget* universalAccessWarning_;
     QPushButton* openUniversalAccess_;
     ExcludedApplicationsBox* excluded_;
-    bool showing_ = false;
 };
 
 }  // namespace corvalis
