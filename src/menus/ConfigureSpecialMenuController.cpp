@@ -66,12 +66,6 @@ ConfigureSpecialMenuController::~ConfigureSpecialMenuController() {
 
 void ConfigureSpecialMenuController::initializePane(bool firstTime) {
     if (firstTime) {
-        // Fixed once: the titles follow the applications installed when the pane opened.
-        std::uint32_t major = 0, minor = 0, bugFix = 0;
-        bool iPhoto = ApplicationVersion("com.apple.iPhoto", major, minor, bugFix, _workspace);
-        _iPhotoLibrary = iPhotoLibraryTitleKey(iPhoto, major, minor);
-        bool aperture = ApplicationVersion("com.apple.Aperture", major, minor, bugFix, _workspace);
-        _apertureLibrary = apertureLibraryTitleKey(aperture, major);
         _observer = _distributed.addObserver(notifications::SpecialMenuItemsChanged, notifications::ControllerObject,
                                              [this](const Notification& n) { onSpecialMenuItemsChanged(n); });
     }
@@ -85,11 +79,24 @@ std::string ConfigureSpecialMenuController::displayNameAt(int row) const {
     return PathMenuItemListModel::displayNameAt(row);
 }
 
+void ConfigureSpecialMenuController::chooseLibraryTitles() const {
+    // Fixed once, when first shown: finding the applications walks every installed one, which
+    // the pane's start-up should not wait for.
+    if (!_iPhotoLibrary.empty()) return;
+    std::uint32_t major = 0, minor = 0, bugFix = 0;
+    bool iPhoto = ApplicationVersion("com.apple.iPhoto", major, minor, bugFix, _workspace);
+    _iPhotoLibrary = iPhotoLibraryTitleKey(iPhoto, major, minor);
+    bool aperture = ApplicationVersion("com.apple.Aperture", major, minor, bugFix, _workspace);
+    _apertureLibrary = apertureLibraryTitleKey(aperture, major);
+}
+
 std::string ConfigureSpecialMenuController::kindTitle(const std::string& kind) const {
     if (kind == items::Library) return LocalizedFolderName(libraryFolder());
     if (kind == items::AddressBook && KVOperatingSystem::is10_8orLater()) return LocalizedString("Contacts");
-    if (kind == items::iPhotoLibrary && !_iPhotoLibrary.empty()) return LocalizedString(_iPhotoLibrary.c_str());
-    if (kind == items::ApertureLibrary && !_apertureLibrary.empty()) return LocalizedString(_apertureLibrary.c_str());
+    if (kind == items::iPhotoLibrary || kind == items::ApertureLibrary) {
+        chooseLibraryTitles();
+        return LocalizedString((kind == items::iPhotoLibrary ? _iPhotoLibrary : _apertureLibrary).c_str());
+    }
     return PathMenuItemListModel::kindTitle(kind);
 }
 

@@ -66,10 +66,13 @@ protected:
     bool checkPathRecord(plist::Dictionary& record) const override;
 
 private:
+    void chooseLibraryTitles() const;
+
     NotificationCenter& _distributed;
     const Workspace& _workspace;
-    std::string _apertureLibrary;
-    std::string _iPhotoLibrary;
+    // The title keys of the two photo libraries, chosen by the first title asked for.
+    mutable std::string _apertureLibrary;
+    mutable std::string _iPhotoLibrary;
     std::optional<NotificationCenter::Token> _observer;
 };
 
